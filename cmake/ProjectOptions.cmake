@@ -1,0 +1,25 @@
+# Language level and warnings for every target, by the interface target `project_options`.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+set(ZRHTTP_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+
+add_library(project_options INTERFACE)
+target_compile_options(project_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+  -Wold-style-cast -Woverloaded-virtual=1 -Wnull-dereference -Wformat=2)
+if(ZRHTTP_SANITIZE)
+  # The sanitizers' own checks confuse the flow analysis behind these two warnings.
+  target_compile_options(project_options INTERFACE
+    -fsanitize=${ZRHTTP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    -Wno-null-dereference -Wno-maybe-uninitialized)
+  target_link_options(project_options INTERFACE -fsanitize=${ZRHTTP_SANITIZE})
+endif()

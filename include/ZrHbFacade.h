@@ -1,0 +1,55 @@
+// The shape that all exported classes with state share: a pointer to the implementation object, a
+// copy guard, and three virtual functions in this order.
+#pragma once
+
+#include <memory>
+#include <utility>
+
+// TFacade: the exported class. TImpl: its implementation object, complete only where the exported
+// class is implemented.
+template <class TFacade, class TImpl>
+class CZrHbFacade {
+public:
+    // Returns the object itself; part of the assignment protocol, copies nothing.
+    virtual TFacade& CopyObject() { return static_cast<TFacade&>(*this); }
+
+private:
+    virtual int ThisVirtualFunctionIsDefinedToAddVirtualMethodsTable() { return 0; }
+
+public:
+    virtual ~CZrHbFacade() { DeleteImpl(); }
+    CZrHbFacade(const CZrHbFacade&) = delete;
+    CZrHbFacade& operator=(const CZrHbFacade&) = delete;
+
+protected:
+    CZrHbFacade() = default;
+
+    // Takes the implementation object and clears the guard; 1 when there is one, else 0.
+    int CreateImpl(std::unique_ptr<TImpl> impl) {
+        DeleteImpl();
+        m_pImpl = impl.release();
+        m_nCopyGuard = 0;
+        return m_pImpl ? 1 : 0;
+    }
+    TImpl* GetImpl() const { return m_pImpl; }
+    // 1, or 0 when there was none.
+    int DeleteImpl() {
+        const std::unique_ptr<TImpl> impl(std::exchange(m_pImpl, nullptr));
+        return impl ? 1 : 0;
+    }
+    // Runs copyContent unless an assignment of this object is under way already, then the
+    // facade's own self-assignment under the guard.
+    template <class TCopyContent>
+    void Assign(TCopyContent copyContent) {
+        if (m_nCopyGuard) return;
+        copyContent();
+        m_nCopyGuard = 1;
+        TFacade& self = static_cast<TFacade&>(*this);
+        self = CopyObject();
+        m_nCopyGuard = 0;
+    }
+
+private:
+    TImpl* m_pImpl = nullptr;
+    int m_nCopyGuard = 0;
+};

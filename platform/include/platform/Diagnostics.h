@@ -1,0 +1,25 @@
+// What the platform has to report (a store renamed aside, a navigation that failed) goes to one
+// sink; the library's log installs itself there when it is loaded. Texts must hold no secrets:
+// URLs pass through UrlForLog first.
+#pragma once
+
+#include <string_view>
+
+#include <platform/String.h>
+
+namespace platform {
+
+enum class Severity { failure = 0, trace = 2 };
+
+using DiagnosticSink = void (*)(Severity severity, const char* pszSource, unsigned line,
+                                const CString& strText);
+
+// Returns the sink before. A null sink drops everything.
+DiagnosticSink SetDiagnosticSink(DiagnosticSink sink);
+void ReportDiagnostic(Severity severity, const char* pszSource, unsigned line,
+                      const CString& strText);
+
+// The URL without user information, query and fragment ("?..." stands for a query).
+CString UrlForLog(std::string_view url);
+
+} // namespace platform

@@ -1,0 +1,26 @@
+// Private-profile (INI) files. Sections and keys are compared without regard to case, the first
+// match wins, blanks around keys and values and one pair of quotes around a value are stripped.
+// Paths may be drive paths. A missing or unreadable file has no sections.
+#pragma once
+
+#include <platform/String.h>
+
+// The leading decimal number of the entry (with an optional "-"), 0 when it does not begin with
+// one, nDefault when file, section or key is missing.
+UINT GetPrivateProfileIntA(const char* pszSection, const char* pszKey, int nDefault,
+                           const char* pszFileName);
+
+// Copies the value, or the default, cut to nSize - 1 characters; returns the characters copied
+// without the NUL. pszSection and pszKey must not be null.
+DWORD GetPrivateProfileStringA(const char* pszSection, const char* pszKey, const char* pszDefault,
+                               char* pszBuffer, DWORD nSize, const char* pszFileName);
+
+// The names of all sections, in the order of the file, each with its NUL, then one more NUL.
+// Returns the characters copied without that last NUL, nSize - 2 when they did not fit.
+DWORD GetPrivateProfileSectionNamesA(char* pszBuffer, DWORD nSize, const char* pszFileName);
+
+// Sets a value; creates file and section. Other lines, comments included, stay as they are. The
+// file is replaced as a whole (written beside it, then renamed) and is made with mode 0600. A null
+// value removes the key. FALSE on failure, with GetLastError(); the old file then stands.
+BOOL WritePrivateProfileStringA(const char* pszSection, const char* pszKey, const char* pszValue,
+                                const char* pszFileName);
