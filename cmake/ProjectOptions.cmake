@@ -14,8 +14,8 @@ set(ZRHTTP_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
-  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
-  -Wold-style-cast -Woverloaded-virtual=1 -Wnull-dereference -Wformat=2)
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion
+  -Wold-style-cast -Woverloaded-virtual -Wnull-dereference -Wformat=2)
 if(ZRHTTP_SANITIZE)
   # The sanitizers' own checks confuse the flow analysis behind these two warnings.
   target_compile_options(project_options INTERFACE

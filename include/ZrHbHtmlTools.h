@@ -26,9 +26,8 @@ public:
                                                  CString& page, CString& strErr, DWORD& nLength,
                                                  long nReadyState, int bBodyFallback);
     static void GetSourceFromDocumentDispatchPtr(IDispatch* pDocument, DWORD& nResult,
-                                                 CByteBuffer& page, CString& strErr,
-                                                 DWORD& nLength, long nReadyState,
-                                                 int bBodyFallback);
+                                                 CByteBuffer& page, CString& strErr, DWORD& nLength,
+                                                 long nReadyState, int bBodyFallback);
 
 private:
     virtual int ThisVirtualFunctionIsDefinedToAddVirtualMethodsTable() { return 0; }

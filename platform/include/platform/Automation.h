@@ -27,7 +27,7 @@ struct IPersistStreamInit : IUnknown {
 protected:
     ~IPersistStreamInit() = default;
 };
-constexpr const IID& IID_IPersistStreamInit = IPersistStreamInit::Iid;
+inline constexpr const IID& IID_IPersistStreamInit = IPersistStreamInit::Iid;
 
 struct IConnectionPoint : IUnknown {
     static constexpr IID Iid{
@@ -61,7 +61,8 @@ public:
     virtual ~AutomationService() = default;
     static AutomationService& Real();
     virtual HRESULT Initialize() = 0; // OleInitialize
-    virtual HRESULT CreateInstance(REFCLSID clsid, DWORD dwContext, REFIID iid, void** ppObject) = 0;
+    virtual HRESULT CreateInstance(REFCLSID clsid, DWORD dwContext, REFIID iid,
+                                   void** ppObject) = 0;
     virtual HRESULT CreateMemoryStream(IStream** ppStream) = 0;
     virtual HRESULT AttachControl(IUnknown* pControl, HWND hWnd, IUnknown** ppContainer) = 0;
 };

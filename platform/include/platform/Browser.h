@@ -50,7 +50,7 @@ struct IWebBrowser2 : IDispatch {
 protected:
     ~IWebBrowser2() = default;
 };
-constexpr const IID& IID_IWebBrowser2 = IWebBrowser2::Iid;
+inline constexpr const IID& IID_IWebBrowser2 = IWebBrowser2::Iid;
 
 // Dispatch identifiers of IWebBrowser2.
 constexpr DISPID DISPID_READYSTATE = -525;
@@ -74,11 +74,11 @@ constexpr IID DIID_DWebBrowserEvents2{
 // pDisp, &URL, &Flags, &TargetFrameName, &PostData, &Headers (VT_BYREF|VT_VARIANT each),
 // &Cancel (VT_BYREF|VT_BOOL)
 constexpr DISPID DISPID_BEFORENAVIGATE2 = 250;
-constexpr DISPID DISPID_NEWWINDOW2 = 251;         // &pDisp (VT_BYREF|VT_DISPATCH), &Cancel
-constexpr DISPID DISPID_NAVIGATECOMPLETE2 = 252;  // pDisp, &URL
+constexpr DISPID DISPID_NEWWINDOW2 = 251;        // &pDisp (VT_BYREF|VT_DISPATCH), &Cancel
+constexpr DISPID DISPID_NAVIGATECOMPLETE2 = 252; // pDisp, &URL
 constexpr DISPID DISPID_ONQUIT = 253;
-constexpr DISPID DISPID_ONVISIBLE = 254;          // Visible (VT_BOOL)
-constexpr DISPID DISPID_DOCUMENTCOMPLETE = 259;   // pDisp, &URL
+constexpr DISPID DISPID_ONVISIBLE = 254;        // Visible (VT_BOOL)
+constexpr DISPID DISPID_DOCUMENTCOMPLETE = 259; // pDisp, &URL
 constexpr DISPID DISPID_DOWNLOADBEGIN = 106;
 constexpr DISPID DISPID_DOWNLOADCOMPLETE = 104;
 
@@ -99,4 +99,4 @@ struct IHTMLDocument2 : IDispatch {
 protected:
     ~IHTMLDocument2() = default;
 };
-constexpr const IID& IID_IHTMLDocument2 = IHTMLDocument2::Iid;
+inline constexpr const IID& IID_IHTMLDocument2 = IHTMLDocument2::Iid;

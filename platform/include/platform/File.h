@@ -12,7 +12,7 @@ public:
         modeWrite = 0x0001,
         modeCreate = 0x1000,     // create, or empty an existing file
         modeNoTruncate = 0x2000, // with modeCreate: keep an existing file's content
-        typeText = 0x4000,       // CStdioFile: every "\n" written becomes "\r\n"
+        typeText = 0x4000,       // CStdioFile: every "\n" written becomes "\r\n", also behind "\r"
         // What the host platform says with a file's access list:
         modePrivate = 0x10000, // a new file belongs to the user alone (mode 0600)
         modeAppend = 0x20000,  // every write goes to the end, also beside other writers
@@ -23,12 +23,14 @@ public:
     CFile(const CFile&) = delete;
     CFile& operator=(const CFile&) = delete;
 
-    // FALSE when the file cannot be opened; GetLastError() tells why.
+    // FALSE when the file cannot be opened, or one is open; GetLastError() tells why. Without
+    // modeCreate the file must exist.
     BOOL Open(const char* pszFileName, UINT nOpenFlags);
     // Throws CFileException when not everything could be written.
     virtual void Write(const void* pData, UINT nCount);
     // Bytes read, 0 at the end. Throws CFileException.
     UINT Read(void* pBuffer, UINT nCount);
+    // Throws CFileException when no file is open.
     std::uint64_t GetLength() const;
     // Throws CFileException when the system reports a late write error.
     void Close();

@@ -1,5 +1,7 @@
 // The platform's own settings: environment variable first, then section "Platform" of
-// platform.ini in the settings directory (the key is the variable's name), then the default.
+// platform.ini in the settings directory (the key is the variable's name), then the default. An
+// empty value counts as none. ZRHTTP_HOME, which says where platform.ini is, comes from the
+// environment only.
 #pragma once
 
 #include <vector>
@@ -9,8 +11,8 @@
 namespace platform {
 
 struct Setting {
-    CString name;   // ZRHTTP_...
-    CString value;
+    CString name; // ZRHTTP_...
+    CString value;  // empty where the default is to look for it
     CString source; // "environment", "platform.ini" or "default"
 };
 

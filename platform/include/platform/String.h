@@ -37,7 +37,8 @@ public:
     CString Mid(int nFirst, int nCount) const;
     CString Right(int nCount) const;
 
-    // Index of the first occurrence at or behind nStart, or -1.
+    // Index of the first occurrence at or behind nStart, or -1. An empty text occurs everywhere:
+    // at nStart, cut to the length.
     int Find(const char* pszSub, int nStart = 0) const;
     int Find(char ch, int nStart = 0) const;
     // Index of the last occurrence, or -1.
@@ -53,7 +54,8 @@ public:
     // ASCII letters only.
     int CompareNoCase(const char* pszOther) const;
 
-    // printf formatting; the text may grow without limit.
+    // printf formatting; the text may grow without limit. Arguments may point into this text. Empty
+    // when the format is faulty.
     void Format(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
     void FormatV(const char* pszFormat, std::va_list args);
 

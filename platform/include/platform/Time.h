@@ -27,7 +27,9 @@ public:
     // strftime formatting in UTC.
     CString FormatGmt(const char* pszFormat) const;
 
-    friend CTime operator+(CTime a, CTimeSpan b) { return CTime(a.m_seconds + b.GetTotalSeconds()); }
+    friend CTime operator+(CTime a, CTimeSpan b) {
+        return CTime(a.m_seconds + b.GetTotalSeconds());
+    }
     friend CTimeSpan operator-(CTime a, CTime b) { return CTimeSpan(a.m_seconds - b.m_seconds); }
     friend auto operator<=>(const CTime&, const CTime&) = default;
 

@@ -34,7 +34,7 @@ struct IUnknown {
 protected:
     ~IUnknown() = default;
 };
-constexpr const IID& IID_IUnknown = IUnknown::Iid;
+inline constexpr const IID& IID_IUnknown = IUnknown::Iid;
 
 // Owns one reference.
 template <class T>

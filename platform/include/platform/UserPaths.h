@@ -19,6 +19,7 @@ CString RegistryFileName();
 // (ERROR_ACCESS_DENIED), for a drive path that would leave its root ("..") or another drive.
 bool LocalFileName(const char* pszPath, CString& strLocal);
 
+// Both take drive paths as well.
 // Makes the directory and those above it (mode 0700). False with GetLastError().
 bool MakeDirectory(const CString& strPath);
 // TRUE for an existing directory that can be read.

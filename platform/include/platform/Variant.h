@@ -71,9 +71,9 @@ struct VARIANT {
         VARIANT_BOOL boolVal;
         IDispatch* pdispVal;
         SAFEARRAY* parray;
-        VARIANT* pvarVal;        // VT_BYREF | VT_VARIANT
-        VARIANT_BOOL* pboolVal;  // VT_BYREF | VT_BOOL
-        IDispatch** ppdispVal;   // VT_BYREF | VT_DISPATCH
+        VARIANT* pvarVal;       // VT_BYREF | VT_VARIANT
+        VARIANT_BOOL* pboolVal; // VT_BYREF | VT_BOOL
+        IDispatch** ppdispVal;  // VT_BYREF | VT_DISPATCH
     };
 };
 void VariantInit(VARIANT* pVariant);
@@ -129,4 +129,4 @@ struct IDispatch : IUnknown {
 protected:
     ~IDispatch() = default;
 };
-constexpr const IID& IID_IDispatch = IDispatch::Iid;
+inline constexpr const IID& IID_IDispatch = IDispatch::Iid;

@@ -1,0 +1,42 @@
+// What a hostile or broken server can make the builtin engine do, at most.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace platform {
+
+// As many as common browsers follow; a loop ends here.
+constexpr int kMaxRedirects = 20;
+// Pages that send the reader on without a pause. Log-in chains need a handful; a page that
+// refreshes to itself for ever would keep the caller waiting for ever.
+constexpr int kMaxImmediateRefreshes = 10;
+// Delays above a day are as good as none, and stay clear of overflow.
+constexpr int kMaxRefreshSeconds = 24 * 60 * 60;
+// Frames of one navigation, nested ones included. Real framesets have fewer than twenty.
+constexpr std::size_t kMaxFrames = 128;
+// A frame within a frame within ...: frames of dynamic pages can nest without end.
+constexpr int kMaxFrameDepth = 8;
+// All header lines of one reply, redirects not added up. Servers themselves accept far less.
+constexpr std::size_t kMaxHeaderBytes = 256 * 1024;
+// The page as kept in memory, after decompression: a few KB can unpack to gigabytes.
+constexpr std::size_t kMaxPageBytes = std::size_t{256} * 1024 * 1024;
+// The body of a redirect is not shown; it is read only to keep the connection.
+constexpr std::size_t kMaxRedirectBodyBytes = 64 * 1024;
+constexpr std::chrono::milliseconds kRedirectBodyPatience{100};
+// Until a connection stands, TLS included. A user gives up earlier.
+constexpr std::chrono::seconds kConnectTimeout{60};
+// Connections to one host at a time, as browsers have it: frames load side by side without
+// flooding a server.
+constexpr long kMaxConnectionsPerHost = 6;
+
+// Looking for frames needs the document as a tree. Larger documents are shown without frames.
+constexpr std::size_t kMaxScannedBytes = std::size_t{16} * 1024 * 1024;
+// Elements within elements. Building a deep tree takes time by the square of its depth; browsers
+// cut at 512.
+constexpr std::size_t kMaxElementDepth = 1024;
+// What the tree of one document may cost, should nesting have been counted too low.
+constexpr std::size_t kMaxTreeBytes = std::size_t{1024} * 1024 * 1024;
+constexpr std::chrono::seconds kMaxTreeTime{5}; // of processor time
+
+} // namespace platform

@@ -1,0 +1,235 @@
+#include "browser/builtin/Transfer.h"
+
+#include <algorithm>
+
+#include "browser/builtin/FailureText.h"
+#include "browser/builtin/Limits.h"
+#include "browser/common/PageUrl.h"
+
+namespace platform {
+namespace {
+
+constexpr const char* kUserAgent = "Mozilla/5.0 (compatible; ZrHttpBase3 builtin)";
+constexpr long kReceiveBufferBytes = 64 * 1024;
+
+std::string LowerAscii(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char ch) {
+        return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
+    });
+    return lower;
+}
+
+// The value in front of its parameters, in lower case.
+std::string WithoutParameters(std::string_view value) {
+    value = value.substr(0, value.find(';'));
+    while (value.ends_with(' ') || value.ends_with('\t')) value.remove_suffix(1);
+    return LowerAscii(value);
+}
+
+bool IsRedirect(long status) {
+    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+} // namespace
+
+Transfer::Transfer(FetchRequest request, CurlEasy easy, const TransferSettings& settings,
+                   std::vector<NetworkEvent>& events)
+    : m_request(std::move(request)), m_easy(std::move(easy)), m_settings(settings),
+      m_events(events) {
+    SetUp();
+}
+
+void Transfer::SetUp() {
+    CURL* easy = m_easy.get();
+    curl_easy_reset(easy); // connections, cookies and the share stay
+    m_status = 0;
+    m_redirectTarget.clear();
+    m_headerBytes = 0;
+    m_bodyBytes = 0;
+    m_errorBuffer[0] = '\0';
+    curl_easy_setopt(easy, CURLOPT_PRIVATE, this);
+    curl_easy_setopt(easy, CURLOPT_SHARE, m_settings.share);
+    curl_easy_setopt(easy, CURLOPT_COOKIEFILE, ""); // switches cookies on, reads no file
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    // A host name that is still being looked up does not hold up the end of the thread.
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT, static_cast<long>(kConnectTimeout.count()));
+    curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, kReceiveBufferBytes);
+    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, m_errorBuffer);
+    curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &Transfer::OnHeader);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::OnBody);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+    SetUpSecurity();
+    SetUpRequest();
+}
+
+void Transfer::SetUpSecurity() {
+    CURL* easy = m_easy.get();
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    if (!m_settings.certificateFile.empty()) {
+        // The system's directory keeps its certificates trusted beside those of the file.
+        curl_easy_setopt(easy, CURLOPT_CAINFO, m_settings.certificateFile.c_str());
+        curl_easy_setopt(easy, CURLOPT_CAPATH, m_settings.certificateDirectory.c_str());
+    }
+    const Credentials& credentials = m_request.credentials;
+    if (credentials.user.empty() && credentials.password.empty()) return;
+    if (OriginOf(m_request.url) != credentials.origin) return;
+    curl_easy_setopt(easy, CURLOPT_USERNAME, credentials.user.c_str());
+    curl_easy_setopt(easy, CURLOPT_PASSWORD, credentials.password.c_str());
+}
+
+void Transfer::SetUpRequest() {
+    CURL* easy = m_easy.get();
+    curl_easy_setopt(easy, CURLOPT_URL, m_request.url.c_str());
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, kUserAgent);
+    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // all that the library can undo
+    m_headerList.reset();
+    for (const HeaderField& field : m_request.headers)
+        // The library takes "Name:" for "leave it out" and "Name;" for an empty field.
+        AddHeader(field.value.empty() ? field.name + ";" : field.name + ": " + field.value);
+    if (!m_request.postData.empty()) {
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE,
+                         static_cast<curl_off_t>(m_request.postData.size()));
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDS, m_request.postData.data());
+        AddHeader("Expect:"); // no waiting for a 100
+    }
+    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, m_headerList.get());
+}
+
+void Transfer::AddHeader(const std::string& line) {
+    curl_slist* extended = curl_slist_append(m_headerList.get(), line.c_str());
+    if (!extended) return;
+    static_cast<void>(m_headerList.release());
+    m_headerList.reset(extended);
+}
+
+std::size_t Transfer::OnHeader(char* data, std::size_t size, std::size_t count, void* self) {
+    const bool isTaken = static_cast<Transfer*>(self)->TakeHeaderLine({data, size * count});
+    return isTaken ? size * count : 0;
+}
+
+std::size_t Transfer::OnBody(char* data, std::size_t size, std::size_t count, void* self) {
+    const bool isTaken = static_cast<Transfer*>(self)->TakeBody({data, size * count});
+    return isTaken ? size * count : 0;
+}
+
+bool Transfer::TakeHeaderLine(std::string_view line) {
+    m_headerBytes += line.size();
+    if (m_headerBytes > kMaxHeaderBytes) {
+        m_failure = "the head of the reply is larger than " + std::to_string(kMaxHeaderBytes) + " bytes";
+        return false;
+    }
+    long status = 0;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
+    const bool isEnd = line == "\r\n" || line == "\n";
+    // Interim replies and trailers have an end of their own.
+    if (isEnd && status >= 200 && m_status == 0) TakeHead(status);
+    return true;
+}
+
+std::string Transfer::Field(const char* pszName) const {
+    curl_header* field = nullptr;
+    if (curl_easy_header(m_easy.get(), pszName, 0, CURLH_HEADER, -1, &field) != CURLHE_OK) return {};
+    return field->value;
+}
+
+void Transfer::TakeHead(long status) {
+    m_status = status;
+    if (IsRedirect(status)) m_redirectTarget = Field("Location");
+    if (!m_redirectTarget.empty()) {
+        m_redirectTime = std::chrono::steady_clock::now();
+        return;
+    }
+    HeadReceived head;
+    head.url = m_request.url;
+    head.reply.status = static_cast<int>(status);
+    head.reply.type = WithoutParameters(Field("Content-Type"));
+    head.reply.isAttachment = WithoutParameters(Field("Content-Disposition")) == "attachment";
+    m_type = head.reply.type;
+    m_refresh = Field("Refresh");
+    Report(std::move(head));
+}
+
+bool Transfer::TakeBody(std::string_view bytes) {
+    if (bytes.empty()) return true;
+    const bool isFirst = m_bodyBytes == 0;
+    m_bodyBytes += bytes.size();
+    if (!m_redirectTarget.empty()) return m_bodyBytes <= kMaxRedirectBodyBytes;
+    if (m_bodyBytes > kMaxPageBytes) {
+        m_failure = "the page is larger than " + std::to_string(kMaxPageBytes) + " bytes";
+        return false;
+    }
+    m_request.body->Append(bytes);
+    if (isFirst) Report(FirstBytesReceived{});
+    return true;
+}
+
+std::optional<Transfer::Time> Transfer::PatienceEnd() const {
+    if (m_redirectTarget.empty()) return std::nullopt;
+    return m_redirectTime + kRedirectBodyPatience;
+}
+
+bool Transfer::Finish(CURLcode code) {
+    if (!m_failure.empty()) {
+        Fail(m_failure);
+    } else if (!m_redirectTarget.empty()) {
+        return Follow(); // whatever became of a body that nobody sees
+    } else if (code != CURLE_OK) {
+        Fail(FailureText(m_easy.get(), code, m_request.url, m_errorBuffer));
+    } else if (m_status == 0) {
+        Fail("the connection broke off in the head of the reply");
+    } else {
+        PageReceived page;
+        if (IsHtmlType(m_type))
+            page.scan = ScanHtml(m_request.body->ViewByWriter(), m_request.url, page.problem);
+        if (auto rule = ParseRefresh(m_refresh)) {
+            auto url = ResolveReference(m_request.url, rule->reference);
+            if (url && IsHttpUrl(*url)) page.scan.refresh = RefreshRule{rule->seconds, *url};
+        }
+        Report(std::move(page));
+    }
+    return false;
+}
+
+bool Transfer::Follow() {
+    const std::string fragment =
+        m_request.url.substr(std::min(m_request.url.find('#'), m_request.url.size()));
+    auto url = ResolveReference(m_request.url, m_redirectTarget);
+    if (!url)
+        Fail("the server redirects to a malformed URL");
+    else if (!IsHttpUrl(*url))
+        Fail("the server redirects to a URL that is neither http nor https");
+    else if (++m_redirects > kMaxRedirects)
+        Fail("more than " + std::to_string(kMaxRedirects) + " redirects");
+    else if (const bool isSame = OriginOf(*url) == OriginOf(m_request.url);
+             !isSame && m_status >= 307 && !m_request.postData.empty())
+        Fail("the server redirects the post data to another origin");
+    else {
+        FollowTo(url->find('#') == std::string::npos ? *url + fragment : *url, isSame);
+        return true;
+    }
+    return false;
+}
+
+void Transfer::FollowTo(std::string url, bool isSameOrigin) {
+    const bool isRepeated = m_status >= 307 && isSameOrigin && !m_request.postData.empty();
+    if (!isRepeated) m_request.postData.clear();
+    std::erase_if(m_request.headers, [&](const HeaderField& field) {
+        return !isRepeated || !EqualsIgnoringCase(field.name, "Content-Type");
+    });
+    m_request.url = std::move(url);
+    SetUp();
+}
+
+void Transfer::Fail(std::string reason) {
+    Report(FetchFailed{m_request.url, std::move(reason)});
+}
+
+void Transfer::Report(decltype(NetworkEvent::what) what) {
+    m_events.push_back({m_request.id, std::move(what)});
+}
+
+} // namespace platform

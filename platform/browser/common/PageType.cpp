@@ -1,0 +1,62 @@
+#include "browser/common/PageType.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+
+#include <platform/Registry.h>
+
+#include "browser/common/HeaderBlock.h"
+
+namespace platform {
+namespace {
+
+constexpr std::array<std::string_view, 15> kPageTypes{
+    "text/html",  "application/xhtml+xml",  "text/plain",       "text/xml",   "application/xml",
+    "text/css",   "text/javascript",        "application/javascript", "application/json",
+    "image/png",  "image/jpeg",             "image/gif",        "image/webp", "image/bmp",
+    "image/svg+xml"};
+
+bool IsPageType(const std::string& type) {
+    return type.empty() || type.ends_with("+xml") || type.ends_with("+json") ||
+           std::find(kPageTypes.begin(), kPageTypes.end(), type) != kPageTypes.end();
+}
+
+bool IsMimeType(std::string_view type) {
+    const std::size_t slash = type.find('/');
+    return slash != std::string_view::npos && IsToken(type.substr(0, slash)) &&
+           IsToken(type.substr(slash + 1));
+}
+
+std::optional<std::string> ExtensionOf(const std::string& type) {
+    RegistryValue value;
+    const CString key("MIME\\Database\\Content Type\\" + type);
+    if (Current<RegistryStore>().GetValue(HKEY_CLASSES_ROOT, key, "Extension", value) !=
+        ERROR_SUCCESS)
+        return std::nullopt;
+    return value.data;
+}
+
+bool IsSubstitutedByText(const std::string& type) {
+    if (!IsMimeType(type)) return false;
+    const auto extension = ExtensionOf(type);
+    return extension && extension == ExtensionOf("text/plain");
+}
+
+} // namespace
+
+std::string ReasonNotShown(const ReplyType& reply) {
+    if (reply.status == 204 || reply.status == 205)
+        return "the server has sent no page (status " + std::to_string(reply.status) + ")";
+    if (IsPageType(reply.type))
+        return reply.isAttachment ? "an attachment is not shown as a page" : "";
+    if (IsSubstitutedByText(reply.type)) return {};
+    return (IsMimeType(reply.type) ? reply.type : "an unknown type") + " is not shown as a page";
+}
+
+bool IsHtmlType(const std::string& type) {
+    return type.empty() || type == "text/html" || type == "application/xhtml+xml";
+}
+
+} // namespace platform

@@ -1,0 +1,22 @@
+// Which replies are pages.
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+// What a reply's head says about its content.
+struct ReplyType {
+    int status = 200;
+    std::string type; // "text/html", lower case, without parameters; empty when not given
+    bool isAttachment = false;
+};
+
+// Empty when the reply is to be shown, else the reason in plain words. Asks the MIME database for
+// types that are no page's: one that has the plain text's entry is shown as text.
+std::string ReasonNotShown(const ReplyType& reply);
+
+// Documents that may hold frames and refreshes.
+bool IsHtmlType(const std::string& type);
+
+} // namespace platform

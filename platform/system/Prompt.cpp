@@ -1,0 +1,57 @@
+#include <platform/Prompt.h>
+
+#include <iostream>
+#include <memory>
+
+#include <unistd.h>
+
+#include <platform/Diagnostics.h>
+
+#include "system/TerminalPrompt.h"
+
+namespace platform {
+namespace {
+
+// A process in the background would be stopped by reading the terminal.
+bool IsSomebodyThere() {
+    return ::isatty(STDIN_FILENO) && ::isatty(STDERR_FILENO) &&
+           ::tcgetpgrp(STDIN_FILENO) == ::getpgrp();
+}
+
+const char* NameOf(int button) {
+    switch (button) {
+    case IDYES:
+        return "Yes";
+    case IDNO:
+        return "No";
+    case IDCANCEL:
+        return "Cancel";
+    default:
+        return "OK";
+    }
+}
+
+class UserPrompt : public Prompt {
+public:
+    int Ask(const CString& strText, UINT nType) override {
+        if (IsSomebodyThere()) return AskOnTerminal(std::cin, std::cerr, strText, nType);
+        const int button = HarmlessButton(nType);
+        CString strReport;
+        strReport.Format("Nobody to ask; answered %s to: %s", NameOf(button), strText.GetString());
+        ReportDiagnostic(Severity::trace, __FILE__, __LINE__, strReport);
+        return button;
+    }
+};
+
+} // namespace
+
+Prompt& Prompt::Real() {
+    static UserPrompt& prompt = *std::make_unique<UserPrompt>().release();
+    return prompt;
+}
+
+} // namespace platform
+
+int AfxMessageBox(const char* pszText, UINT nType) {
+    return platform::Current<platform::Prompt>().Ask(pszText, nType);
+}

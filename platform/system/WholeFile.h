@@ -1,0 +1,19 @@
+// Files read and replaced as a whole. Results are system error numbers (errno), 0 for success.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+// Reads a regular file of at most `limit` bytes; EFBIG for a longer one, EISDIR for anything that
+// is no file. Never waits for a pipe's other end.
+int ReadWholeFile(const std::string& name, std::size_t limit, std::string& content);
+
+// Writes a temporary file (mode 0600) in the same directory, flushes it to the disk and renames it
+// onto `name` (where a symbolic link points to, if it is one). On failure the old file stands and
+// no temporary file is left.
+int ReplaceWholeFile(const std::string& name, std::string_view content);
+
+} // namespace platform

@@ -1,0 +1,136 @@
+#include "support/ScriptedBrowser.h"
+
+#include <algorithm>
+
+namespace test_support {
+
+namespace {
+
+class ScriptedElement final : public ComObject<IHTMLElement> {
+public:
+    explicit ScriptedElement(const std::string* outerHtml) : m_outerHtml(outerHtml) {}
+    HRESULT get_outerHTML(BSTR* pHtml) override {
+        if (!m_outerHtml) return E_FAIL;
+        *pHtml = CComBSTR(*m_outerHtml).Detach();
+        return S_OK;
+    }
+    HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+        return DISP_E_MEMBERNOTFOUND;
+    }
+
+private:
+    const std::string* m_outerHtml;
+};
+
+std::string AnsiText(const VARIANT& variant) {
+    CComBSTR text;
+    *&text = SysAllocStringLen(variant.bstrVal, SysStringLen(variant.bstrVal));
+    return std::string(text.ToAnsi().View());
+}
+
+std::string Bytes(SAFEARRAY* array) {
+    void* data = nullptr;
+    LONG last = -1;
+    SafeArrayGetUBound(array, 1, &last);
+    SafeArrayAccessData(array, &data);
+    std::string bytes(static_cast<const char*>(data), static_cast<std::size_t>(last + 1));
+    SafeArrayUnaccessData(array);
+    return bytes;
+}
+
+} // namespace
+
+HRESULT ScriptedDocument::QueryInterface(REFIID iid, void** ppObject) {
+    const bool isRefused =
+        (iid == IPersistStreamInit::Iid && failing.contains("IPersistStreamInit")) ||
+        (iid == IHTMLDocument2::Iid && failing.contains("IHTMLDocument2"));
+    if (!isRefused) return ComObject::QueryInterface(iid, ppObject);
+    *ppObject = nullptr;
+    return E_NOINTERFACE;
+}
+
+HRESULT ScriptedDocument::Save(IStream* pStream, BOOL) {
+    if (failing.contains("Save")) return E_FAIL;
+    ULONG written = 0;
+    return pStream->Write(source.data(), static_cast<ULONG>(source.size()), &written);
+}
+
+HRESULT ScriptedDocument::get_body(IHTMLElement** ppBody) {
+    if (failing.contains("get_body")) return E_FAIL;
+    const std::string* html = failing.contains("get_outerHTML") ? nullptr : &outerHtml;
+    *ppBody = MakeObject<ScriptedElement>(html).Detach();
+    return S_OK;
+}
+
+void ScriptedBrowser::SetSource(const std::string& source) {
+    const auto scripted = MakeObject<ScriptedDocument>();
+    scripted->source = source;
+    document = CComPtr<IDispatch>(scripted);
+}
+
+int ScriptedBrowser::Count(const std::string& call) const {
+    return static_cast<int>(std::count(calls.begin(), calls.end(), call));
+}
+
+HRESULT ScriptedBrowser::Called(const std::string& call) {
+    calls.push_back(call);
+    return failing.contains(call) ? E_FAIL : S_OK;
+}
+
+HRESULT ScriptedBrowser::Navigate2(VARIANT* url, VARIANT* flags, VARIANT*, VARIANT* post,
+                                   VARIANT* headers) {
+    Navigation navigation;
+    navigation.url = AnsiText(*url);
+    navigation.flags = flags->lVal;
+    navigation.hasPostData = post->vt != VT_EMPTY;
+    if (navigation.hasPostData) navigation.postData = Bytes(post->parray);
+    navigation.hasHeaders = headers->vt != VT_EMPTY;
+    if (navigation.hasHeaders) navigation.headers = AnsiText(*headers);
+    navigations.push_back(navigation);
+    return Called("Navigate2");
+}
+
+HRESULT ScriptedBrowser::get_ReadyState(READYSTATE* pState) {
+    *pState = moments.front().readyState;
+    return Called("get_ReadyState");
+}
+
+HRESULT ScriptedBrowser::get_Busy(VARIANT_BOOL* pBusy) {
+    *pBusy = moments.front().isBusy ? VARIANT_TRUE : VARIANT_FALSE;
+    if (moments.size() > 1) moments.pop_front();
+    return Called("get_Busy");
+}
+
+HRESULT ScriptedBrowser::get_Document(IDispatch** ppDocument) {
+    if (!document) return E_FAIL;
+    *ppDocument = CComPtr<IDispatch>(document).Detach();
+    return Called("get_Document");
+}
+
+HRESULT ScriptedBrowser::get_Offline(VARIANT_BOOL* pOffline) {
+    *pOffline = isOffline ? VARIANT_TRUE : VARIANT_FALSE;
+    return Called("get_Offline");
+}
+
+HRESULT ScriptedBrowser::get_LocationURL(BSTR* pUrl) {
+    if (failing.contains("get_LocationURL")) return E_FAIL;
+    *pUrl = CComBSTR(location).Detach();
+    return S_OK;
+}
+
+HRESULT ScriptedBrowser::get_HWND(LONG_PTR* pWindow) {
+    *pWindow = window;
+    return Called("get_HWND");
+}
+
+void* ScriptedBrowser::FindOther(REFIID iid) {
+    return iid == IDispatch::Iid ? static_cast<IDispatch*>(this) : nullptr;
+}
+
+ScriptedControl::ScriptedControl()
+    : m_browser(MakeObject<ScriptedBrowser>()),
+      m_registration(CLSID_WebBrowser, [browser = m_browser](REFIID iid, void** ppObject) {
+          return browser->QueryInterface(iid, ppObject);
+      }) {}
+
+} // namespace test_support

@@ -1,0 +1,21 @@
+// Texts between the terminal (UTF-8) and the library (ANSI code page 1252).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <platform/String.h>
+
+namespace zrhttp {
+
+bool IsUtf8(std::string_view bytes);
+
+// Throws UsageError, naming the argument, when the text is not UTF-8 or has characters outside
+// the ANSI code page.
+CString AnsiFromArgument(std::string_view argument, std::string_view utf8);
+
+// Bytes of unknown origin as UTF-8: those that are valid UTF-8 stay as they are, all others are
+// taken as ANSI.
+std::string TextFromBytes(std::string_view bytes);
+
+} // namespace zrhttp

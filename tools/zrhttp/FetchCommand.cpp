@@ -1,0 +1,120 @@
+#include <memory>
+
+#include <CLI/CLI.hpp>
+#include <ZrHbResultCodes.h>
+#include <platform/UserPaths.h>
+
+#include "zrhttp/Commands.h"
+#include "zrhttp/Errors.h"
+#include "zrhttp/FetchOptions.h"
+#include "zrhttp/FetchReport.h"
+#include "zrhttp/FetchRequest.h"
+#include "zrhttp/OutputFile.h"
+#include "zrhttp/PageFetch.h"
+
+namespace zrhttp {
+namespace {
+
+// "-1" would otherwise become a time-out of 49 days.
+const CLI::Range kMilliseconds(0.0, 4294967295.0);
+
+void DeclareRequest(CLI::App& command, FetchOptions& options) {
+    command.add_option("URL", options.url, "The page to load")->required();
+    command.add_option("--via", options.via, "Where the browser lives: control (in this process)")
+        ->check(CLI::IsMember({"control", "hidden", "application"}))
+        ->capture_default_str();
+    command.add_option("--engine", options.engine, "Which browser: builtin")
+        ->check(CLI::IsMember({"builtin", "chromium"}))
+        ->capture_default_str();
+    auto* post = command.add_option("--post", options.post,
+                                    "Send a POST request with TEXT, in code page 1252");
+    command
+        .add_option("--post-file", options.postFile,
+                    "Send a POST request with a file's exact bytes; - is standard input")
+        ->excludes(post);
+    command
+        .add_option("--header", options.headers,
+                    "A header line \"Name: value\" of the POST request; may be repeated")
+        ->allow_extra_args(false);
+    command.add_option("--content-type", options.contentType,
+                       "Show a reply of this MIME type as a page too");
+}
+
+void DeclareWaiting(CLI::App& command, FetchOptions& options) {
+    command
+        .add_option("--timeout", options.timeout,
+                    "Milliseconds without progress before the page fails; 0: none")
+        ->check(kMilliseconds)
+        ->capture_default_str();
+    command.add_flag("--large-data", options.largeData,
+                     "Lengthen --timeout by the time that the posted data needs");
+    command
+        .add_option("--idle-timeout", options.idleTimeout,
+                    "Milliseconds that the browser may be idle; 0: none")
+        ->check(kMilliseconds)
+        ->capture_default_str();
+    command.add_flag("--visible", options.visible, "Show the browser's window");
+    command
+        .add_option("--title", options.titles,
+                    "Bring a window with this title to the front; may be repeated")
+        ->allow_extra_args(false);
+}
+
+void DeclareResult(CLI::App& command, FetchOptions& options) {
+    auto* output = command.add_option(
+        "--output", options.output, "Write the page's exact bytes to a file; - is standard output");
+    auto* save =
+        command.add_option("--save", options.save, "Save the page as text with CR LF line ends");
+    auto* collect = command.add_flag("--collect", options.collect,
+                                     "Print the frames' pages too, the page itself last");
+    command.add_flag("--json", options.json, "Print a JSON object instead of the page");
+    save->excludes(output)->excludes(collect);
+    collect->excludes(output);
+}
+
+void CheckCombination(const FetchOptions& options) {
+    if (options.via != "control")
+        throw UsageError("--via " + options.via + ": not available in this build");
+    if (options.engine != "builtin")
+        throw UsageError("--engine " + options.engine + ": not available in this build");
+    if (!options.headers.empty() && !options.post && !options.postFile)
+        throw UsageError("--header: sent with --post or --post-file only");
+    if (options.save && !options.titles.empty())
+        throw UsageError("--title: has no effect with --save");
+    if (options.json && options.output == "-")
+        throw UsageError("--json: takes standard output for itself, --output must be a file");
+    if (options.output && options.output->empty()) throw UsageError("--output: is empty");
+}
+
+// A page whose file cannot be written fails before anything is sent.
+void CheckSaveFile(const std::string& path) {
+    CString local;
+    if (path.empty() || !platform::LocalFileName(path.c_str(), local))
+        throw ToolError(static_cast<int>(ZRHB_SAVE_FAILED), "26: cannot write '" + path + "'");
+    try {
+        OutputFile::CheckWritable(local.GetString());
+    } catch (const SystemError& error) {
+        throw ToolError(static_cast<int>(ZRHB_SAVE_FAILED), std::string("26: ") + error.what());
+    }
+}
+
+int RunFetch(const FetchOptions& options) {
+    CheckCombination(options);
+    const FetchRequest request = MakeFetchRequest(options);
+    if (options.output && *options.output != "-") OutputFile::CheckWritable(*options.output);
+    if (options.save) CheckSaveFile(*options.save);
+    return ReportFetch(options, FetchPage(options, request));
+}
+
+} // namespace
+
+void AddFetchCommand(CLI::App& application, int& exitStatus) {
+    auto* command = application.add_subcommand("fetch", "Load a page and print its source");
+    const auto options = std::make_shared<FetchOptions>();
+    DeclareRequest(*command, *options);
+    DeclareWaiting(*command, *options);
+    DeclareResult(*command, *options);
+    command->callback([options, &exitStatus] { exitStatus = RunFetch(*options); });
+}
+
+} // namespace zrhttp

@@ -1,0 +1,75 @@
+#include "zrhttp/FetchReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include "zrhttp/CharacterSets.h"
+#include "zrhttp/ExitStatus.h"
+#include "zrhttp/OutputFile.h"
+#include "zrhttp/Terminal.h"
+
+namespace zrhttp {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json PagesAsJson(const std::vector<CollectedPage>& pages) {
+    Json list = Json::array();
+    for (const CollectedPage& page : pages)
+        list.push_back({{"url", page.url},
+                        {"length", page.source.size()},
+                        {"source", TextFromBytes(page.source)}});
+    return list;
+}
+
+void PrintJson(const FetchOptions& options, const FetchResult& result) {
+    Json json{{"code", result.code},
+              {"error", result.error},
+              {"url", result.url},
+              {"length", result.length},
+              {"longest_idle_seconds", result.longestIdle},
+              {"elapsed_ms", result.elapsed.count()},
+              {"status", result.status}};
+    if (options.collect) json["pages"] = PagesAsJson(result.pages);
+    // Escaped to ASCII: control characters beyond C0 must not reach a terminal either.
+    WriteOutput(json.dump(-1, ' ', true) + "\n");
+}
+
+void PrintPages(const std::vector<CollectedPage>& pages) {
+    for (const CollectedPage& page : pages) {
+        PrintNote("==> " + page.url + " <==");
+        WritePage(page.source);
+    }
+}
+
+void PrintFailure(const FetchResult& result) {
+    std::string text = std::to_string(result.code);
+    for (const std::string& part : {result.error, result.status})
+        if (!part.empty()) text += ": " + part;
+    PrintError(text);
+}
+
+void WriteResult(const FetchOptions& options, const FetchResult& result) {
+    if (options.output && *options.output != "-") {
+        OutputFile file(*options.output);
+        file.Write(result.page);
+        file.Commit();
+    } else if (options.collect) {
+        PrintPages(result.pages);
+    } else if (!options.save) {
+        WritePage(result.page);
+    }
+}
+
+} // namespace
+
+int ReportFetch(const FetchOptions& options, const FetchResult& result) {
+    const bool isLoaded = result.code == 0;
+    if (!isLoaded) PrintFailure(result);
+    // With --json, the page itself goes to a file only.
+    if (isLoaded && (!options.json || options.output)) WriteResult(options, result);
+    if (options.json) PrintJson(options, result);
+    if (isLoaded) return kSuccess;
+    return result.code >= 20 && result.code <= 29 ? static_cast<int>(result.code) : kFailure;
+}
+
+} // namespace zrhttp

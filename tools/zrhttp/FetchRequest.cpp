@@ -1,0 +1,94 @@
+#include "zrhttp/FetchRequest.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "zrhttp/CharacterSets.h"
+#include "zrhttp/Errors.h"
+#include "zrhttp/InputFile.h"
+
+namespace zrhttp {
+namespace {
+
+constexpr std::string_view kContentType = "Content-Type";
+// The type of a form's fields, which the library sends where the caller names no headers.
+constexpr const char* kFormContentType = "Content-Type: application/x-www-form-urlencoded";
+
+// token of RFC 9110: header names and the two halves of a media type.
+bool IsToken(std::string_view text) {
+    constexpr std::string_view kMarks = "!#$%&'*+-.^_`|~";
+    return !text.empty() && std::all_of(text.begin(), text.end(), [&](char ch) {
+        return (ch >= '0' && ch <= '9') || (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') ||
+               kMarks.find(ch) != std::string_view::npos;
+    });
+}
+
+bool IsControl(char ch) {
+    return static_cast<unsigned char>(ch) < 0x20 || ch == 0x7F;
+}
+
+CString CheckedHeader(const std::string& header) {
+    const auto colon = header.find(':');
+    if (colon == std::string::npos || !IsToken(std::string_view(header).substr(0, colon)))
+        throw UsageError("--header: expected \"Name: value\"");
+    if (std::any_of(header.begin(), header.end(),
+                    [](char ch) { return IsControl(ch) && ch != '\t'; }))
+        throw UsageError("--header: contains a line break or another control character");
+    return AnsiFromArgument("--header", header);
+}
+
+bool NamesContentType(const std::string& header) {
+    const CString name(std::string_view(header).substr(0, header.find(':')));
+    return name.CompareNoCase(CString(kContentType)) == 0;
+}
+
+CString JoinedHeaders(const FetchOptions& options) {
+    CString joined;
+    if (std::none_of(options.headers.begin(), options.headers.end(), NamesContentType))
+        joined = kFormContentType;
+    for (const std::string& header : options.headers) {
+        const CString line = CheckedHeader(header);
+        if (!joined.IsEmpty()) joined += "\r\n";
+        joined += line;
+    }
+    return joined;
+}
+
+std::optional<std::string> Body(const FetchOptions& options) {
+    if (!options.post && !options.postFile) return std::nullopt;
+    std::string body = options.post ? std::string(AnsiFromArgument("--post", *options.post).View())
+                                    : ReadInput(*options.postFile);
+    // The library takes an empty body for none, and would send a GET request.
+    if (body.empty()) throw UsageError("the body to post is empty");
+    return body;
+}
+
+CString CheckedUrl(const std::string& url) {
+    if (url.empty()) throw UsageError("URL: is empty");
+    if (std::any_of(url.begin(), url.end(), IsControl))
+        throw UsageError("URL: contains a control character");
+    return AnsiFromArgument("URL", url);
+}
+
+CString CheckedContentType(const std::string& type) {
+    const std::string_view view = type;
+    const auto slash = view.find('/');
+    if (slash == view.npos || !IsToken(view.substr(0, slash)) || !IsToken(view.substr(slash + 1)))
+        throw UsageError("--content-type: expected a type such as application/x-foo");
+    return CString(view);
+}
+
+} // namespace
+
+FetchRequest MakeFetchRequest(const FetchOptions& options) {
+    FetchRequest request;
+    request.url = CheckedUrl(options.url);
+    request.headers = JoinedHeaders(options);
+    if (options.contentType) request.contentType = CheckedContentType(*options.contentType);
+    for (const std::string& title : options.titles)
+        request.titles.Add(AnsiFromArgument("--title", title));
+    request.body = Body(options);
+    return request;
+}
+
+} // namespace zrhttp

@@ -1,0 +1,46 @@
+// zrhttp: the library for people and scripts.
+#include <csignal>
+#include <exception>
+
+#include <CLI/CLI.hpp>
+
+#include "zrhttp/Commands.h"
+#include "zrhttp/Errors.h"
+#include "zrhttp/Terminal.h"
+
+namespace {
+
+int Run(int argumentCount, char** arguments) {
+    CLI::App application("Fetches pages as the e-banking client does.", "zrhttp");
+    application.require_subcommand(1);
+    application.set_version_flag("--version", "zrhttp " ZRHTTP_VERSION);
+    application.footer("Exit status: 0 success, 20 to 29 a page that failed (the result code), "
+                       "1 other failures, 2 wrong usage.");
+    int exitStatus = zrhttp::kFailure;
+    zrhttp::AddFetchCommand(application, exitStatus);
+    zrhttp::AddDoctorCommand(application, exitStatus);
+    zrhttp::AddVersionCommand(application, exitStatus);
+    try {
+        application.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        const bool isHelp = application.exit(error) == zrhttp::kSuccess;
+        return isHelp ? zrhttp::kSuccess : zrhttp::kWrongUsage;
+    }
+    return exitStatus;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    // A reader that goes away is a failed write, with a message, not the end of the process.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return Run(argumentCount, arguments);
+    } catch (const zrhttp::ToolError& error) {
+        zrhttp::PrintError(error.what());
+        return error.ExitStatus();
+    } catch (const std::exception& error) {
+        zrhttp::PrintError(error.what());
+        return zrhttp::kFailure;
+    }
+}
