@@ -49,12 +49,24 @@ std::string CurlUrl::Part(CURLUPart part, unsigned flags) const {
     return copy;
 }
 
-std::string CurlUrl::Text() const { return Part(CURLUPART_URL); }
-std::string CurlUrl::Scheme() const { return LowerAscii(Part(CURLUPART_SCHEME)); }
-std::string CurlUrl::Host() const { return Part(CURLUPART_HOST); }
-std::string CurlUrl::Fragment() const { return Part(CURLUPART_FRAGMENT); }
-std::string CurlUrl::User() const { return Part(CURLUPART_USER, CURLU_URLDECODE); }
-std::string CurlUrl::Password() const { return Part(CURLUPART_PASSWORD, CURLU_URLDECODE); }
+std::string CurlUrl::Text() const {
+    return Part(CURLUPART_URL);
+}
+std::string CurlUrl::Scheme() const {
+    return LowerAscii(Part(CURLUPART_SCHEME));
+}
+std::string CurlUrl::Host() const {
+    return Part(CURLUPART_HOST);
+}
+std::string CurlUrl::Fragment() const {
+    return Part(CURLUPART_FRAGMENT);
+}
+std::string CurlUrl::User() const {
+    return Part(CURLUPART_USER, CURLU_URLDECODE);
+}
+std::string CurlUrl::Password() const {
+    return Part(CURLUPART_PASSWORD, CURLU_URLDECODE);
+}
 
 std::string CurlUrl::Target() const {
     const std::string query = Part(CURLUPART_QUERY);

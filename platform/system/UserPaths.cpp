@@ -20,7 +20,8 @@ namespace {
 constexpr const char* kApplication = "zrhttpbase3";
 
 CString Below(const CString& strDirectory, const char* pszName) {
-    return strDirectory + "/" + pszName;
+    const bool hasSlash = strDirectory.Right(1) == "/";
+    return strDirectory + (hasSlash ? "" : "/") + pszName;
 }
 
 // The variable's value; empty when it is not set.

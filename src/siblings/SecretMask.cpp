@@ -56,8 +56,10 @@ std::string MaskUserInformation(std::string_view text) {
     while (true) {
         const std::size_t slashes = text.find("//");
         if (slashes == std::string_view::npos) break;
-        masked += text.substr(0, slashes + 2);
-        text.remove_prefix(slashes + 2);
+        // Browsers pass over further slashes.
+        const std::size_t begin = std::min(text.find_first_not_of('/', slashes), text.size());
+        masked += text.substr(0, begin);
+        text.remove_prefix(begin);
         const auto end = std::ranges::find_if(text, IsAuthorityEnd);
         const std::string_view authority(text.begin(), end);
         const std::size_t at = authority.rfind('@');

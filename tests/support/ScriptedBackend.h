@@ -17,10 +17,10 @@ namespace test_support {
 struct BackendScript {
     struct ReadResult {
         DWORD code = 0;
-        std::string page;
+        std::string page = {};
         DWORD length = 0;
         std::string url = "http://host/read";
-        std::string error;
+        std::string error = {};
     };
     struct Opened {
         std::string url;

@@ -11,23 +11,16 @@
 namespace test_support {
 namespace {
 
-constexpr const char* kVariable = "ZRHTTP_HOME";
-
 std::string MakeDirectory() {
     std::string name = std::filesystem::temp_directory_path() / "zrhttp-test-XXXXXX";
     if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary directory: " + name);
     return name;
 }
 
-std::optional<std::string> Environment() {
-    const char* const value = std::getenv(kVariable);
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
-
 } // namespace
 
-TemporaryHome::TemporaryHome() : m_root(MakeDirectory()), m_before(Environment()) {
-    ::setenv(kVariable, m_root.c_str(), 1);
+TemporaryHome::TemporaryHome() : m_root(MakeDirectory()) {
+    m_variable.emplace("ZRHTTP_HOME", m_root.c_str());
 }
 
 TemporaryHome::~TemporaryHome() {
@@ -54,10 +47,7 @@ std::optional<std::string> TemporaryHome::ReadFile(std::string_view relative) co
 
 bool TemporaryHome::Remove() {
     if (m_root.empty()) return true;
-    if (m_before)
-        ::setenv(kVariable, m_before->c_str(), 1);
-    else
-        ::unsetenv(kVariable);
+    m_variable.reset();
     std::error_code error;
     std::filesystem::remove_all(m_root, error);
     if (std::filesystem::exists(m_root)) return false;

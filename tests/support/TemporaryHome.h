@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/ScopedVariable.h"
+
 namespace test_support {
 
 // While it lives, ZRHTTP_HOME names a new empty directory. Its end puts the variable back and
@@ -28,7 +30,7 @@ public:
 
 private:
     std::string m_root;
-    std::optional<std::string> m_before;
+    std::optional<ScopedVariable> m_variable;
 };
 
 } // namespace test_support

@@ -1,3 +1,4 @@
+#include <charconv>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -15,15 +16,24 @@
 namespace zrhttp {
 namespace {
 
-// "-1" would otherwise become a time-out of 49 days.
-const CLI::Range kMilliseconds(0.0, 4294967295.0);
+// Whole milliseconds that fit 32 bits; otherwise "-1" would become a time-out of 49 days.
+const CLI::Validator kMilliseconds(
+    [](const std::string& text) {
+        std::uint32_t value = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        const bool isNumber = error == std::errc() && end == text.data() + text.size();
+        return isNumber ? std::string() : "expected milliseconds, 0 to 4294967295";
+    },
+    "");
 
 void DeclareRequest(CLI::App& command, FetchOptions& options) {
     command.add_option("URL", options.url, "The page to load")->required();
     command.add_option("--via", options.via, "Where the browser lives: control (in this process)")
+        ->type_name("NAME")
         ->check(CLI::IsMember({"control", "hidden", "application"}))
         ->capture_default_str();
     command.add_option("--engine", options.engine, "Which browser: builtin")
+        ->type_name("NAME")
         ->check(CLI::IsMember({"builtin", "chromium"}))
         ->capture_default_str();
     auto* post = command.add_option("--post", options.post,
@@ -31,6 +41,7 @@ void DeclareRequest(CLI::App& command, FetchOptions& options) {
     command
         .add_option("--post-file", options.postFile,
                     "Send a POST request with a file's exact bytes; - is standard input")
+        ->type_name("FILE")
         ->excludes(post);
     command
         .add_option("--header", options.headers,
@@ -44,6 +55,7 @@ void DeclareWaiting(CLI::App& command, FetchOptions& options) {
     command
         .add_option("--timeout", options.timeout,
                     "Milliseconds without progress before the page fails; 0: none")
+        ->type_name("MS")
         ->check(kMilliseconds)
         ->capture_default_str();
     command.add_flag("--large-data", options.largeData,
@@ -51,6 +63,7 @@ void DeclareWaiting(CLI::App& command, FetchOptions& options) {
     command
         .add_option("--idle-timeout", options.idleTimeout,
                     "Milliseconds that the browser may be idle; 0: none")
+        ->type_name("MS")
         ->check(kMilliseconds)
         ->capture_default_str();
     command.add_flag("--visible", options.visible, "Show the browser's window");
@@ -68,7 +81,8 @@ void DeclareResult(CLI::App& command, FetchOptions& options) {
     auto* collect = command.add_flag("--collect", options.collect,
                                      "Print the frames' pages too, the page itself last");
     command.add_flag("--json", options.json, "Print a JSON object instead of the page");
-    save->excludes(output)->excludes(collect);
+    output->type_name("FILE");
+    save->type_name("FILE")->excludes(output)->excludes(collect);
     collect->excludes(output);
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 int Run(int argumentCount, char** arguments) {
     CLI::App application("Fetches pages as the e-banking client does.", "zrhttp");
-    application.require_subcommand(1);
+    application.require_subcommand(0, 1);
     application.set_version_flag("--version", "zrhttp " ZRHTTP_VERSION);
     application.footer("Exit status: 0 success, 20 to 29 a page that failed (the result code), "
                        "1 other failures, 2 wrong usage.");
@@ -22,9 +22,11 @@ int Run(int argumentCount, char** arguments) {
     zrhttp::AddVersionCommand(application, exitStatus);
     try {
         application.parse(argumentCount, arguments);
+        if (application.get_subcommands().empty()) throw zrhttp::UsageError("no subcommand given");
+    } catch (const CLI::Success& help) {
+        return application.exit(help);
     } catch (const CLI::ParseError& error) {
-        const bool isHelp = application.exit(error) == zrhttp::kSuccess;
-        return isHelp ? zrhttp::kSuccess : zrhttp::kWrongUsage;
+        throw zrhttp::UsageError(std::string(error.what()) + "; see zrhttp --help");
     }
     return exitStatus;
 }

@@ -24,15 +24,21 @@ std::string CertificateText(CURL* easy) {
     long result = 0;
     curl_easy_getinfo(easy, CURLINFO_SSL_VERIFYRESULT, &result);
     switch (static_cast<CertificateCheck>(result)) {
-    case CertificateCheck::expired: return "certificate has expired";
-    case CertificateCheck::notYetValid: return "certificate is not yet valid";
-    case CertificateCheck::selfSigned: return "self-signed certificate";
+    case CertificateCheck::expired:
+        return "certificate has expired";
+    case CertificateCheck::notYetValid:
+        return "certificate is not yet valid";
+    case CertificateCheck::selfSigned:
+        return "self-signed certificate";
     case CertificateCheck::selfSignedInChain:
         return "certificate of an unknown authority (self-signed certificate in the chain)";
     case CertificateCheck::unknownIssuer:
-    case CertificateCheck::unknownFirst: return "certificate of an unknown authority";
-    case CertificateCheck::revoked: return "certificate has been revoked";
-    case CertificateCheck::hostMismatch: break;
+    case CertificateCheck::unknownFirst:
+        return "certificate of an unknown authority";
+    case CertificateCheck::revoked:
+        return "certificate has been revoked";
+    case CertificateCheck::hostMismatch:
+        break;
     }
     return result == 0 || result == static_cast<long>(CertificateCheck::hostMismatch)
                ? "certificate is for another host"
@@ -43,10 +49,14 @@ std::string ConnectText(CURL* easy) {
     long error = 0;
     curl_easy_getinfo(easy, CURLINFO_OS_ERRNO, &error);
     switch (error) {
-    case ECONNREFUSED: return "connection refused";
-    case ENETUNREACH: return "network is unreachable";
-    case EHOSTUNREACH: return "host is unreachable";
-    default: return "cannot connect to the server";
+    case ECONNREFUSED:
+        return "connection refused";
+    case ENETUNREACH:
+        return "network is unreachable";
+    case EHOSTUNREACH:
+        return "host is unreachable";
+    default:
+        return "cannot connect to the server";
     }
 }
 
@@ -69,25 +79,37 @@ std::string HostOf(const std::string& url) {
 std::string FailureText(CURL* easy, CURLcode code, const std::string& url,
                         const std::string& detail) {
     switch (code) {
-    case CURLE_COULDNT_RESOLVE_HOST: return "host name not found: " + HostOf(url);
-    case CURLE_COULDNT_RESOLVE_PROXY: return "host name of the proxy not found";
-    case CURLE_COULDNT_CONNECT: return ConnectText(easy);
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return "host name not found: " + HostOf(url);
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return "host name of the proxy not found";
+    case CURLE_COULDNT_CONNECT:
+        return ConnectText(easy);
     case CURLE_OPERATION_TIMEDOUT:
         return "no connection within " + std::to_string(kConnectTimeout.count()) + " seconds";
-    case CURLE_PEER_FAILED_VERIFICATION: return CertificateText(easy);
-    case CURLE_SSL_CACERT_BADFILE: return "the file of trusted certificates cannot be read";
-    case CURLE_SSL_CONNECT_ERROR: return "no secure connection: " + detail;
-    case CURLE_GOT_NOTHING: return "the server closed the connection without a reply";
+    case CURLE_PEER_FAILED_VERIFICATION:
+        return CertificateText(easy);
+    case CURLE_SSL_CACERT_BADFILE:
+        return "the file of trusted certificates cannot be read";
+    case CURLE_SSL_CONNECT_ERROR:
+        return "no secure connection: " + detail;
+    case CURLE_GOT_NOTHING:
+        return "the server closed the connection without a reply";
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
     case CURLE_HTTP2:
-    case CURLE_HTTP2_STREAM: return BrokenOffText(easy);
+    case CURLE_HTTP2_STREAM:
+        return BrokenOffText(easy);
     case CURLE_UNSUPPORTED_PROTOCOL:
-    case CURLE_WEIRD_SERVER_REPLY: return "the reply is not HTTP";
-    case CURLE_BAD_CONTENT_ENCODING: return "the reply's compression is broken";
-    case CURLE_URL_MALFORMAT: return "the URL is malformed";
-    default: return curl_easy_strerror(code);
+    case CURLE_WEIRD_SERVER_REPLY:
+        return "the reply is not HTTP";
+    case CURLE_BAD_CONTENT_ENCODING:
+        return "the reply's compression is broken";
+    case CURLE_URL_MALFORMAT:
+        return "the URL is malformed";
+    default:
+        return curl_easy_strerror(code);
     }
 }
 

@@ -20,7 +20,8 @@ namespace {
 
 std::string PercentDecoded(const std::string& text) {
     int length = 0;
-    char* decoded = curl_easy_unescape(nullptr, text.c_str(), static_cast<int>(text.size()), &length);
+    char* decoded =
+        curl_easy_unescape(nullptr, text.c_str(), static_cast<int>(text.size()), &length);
     if (!decoded) return {};
     std::string copy(decoded, static_cast<std::size_t>(length));
     curl_free(decoded);

@@ -25,7 +25,8 @@ public:
     ParseMemory(const ParseMemory&) = delete;
     ParseMemory& operator=(const ParseMemory&) = delete;
     ~ParseMemory() {
-        while (Block* block = m_blocks.next) Remove(block);
+        while (Block* block = m_blocks.next)
+            Remove(block);
     }
 
     std::jmp_buf& GiveUp() { return m_giveUp; }

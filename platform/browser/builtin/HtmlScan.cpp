@@ -16,9 +16,9 @@ namespace {
 
 // Elements that never hold others, or that their successor closes: they do not pile up.
 constexpr std::array<std::string_view, 29> kFlatElements{
-    "area", "base",  "br",       "col",    "colgroup", "dd",    "dt",    "embed", "frame", "hr",
-    "img",  "input", "keygen",   "li",     "link",     "meta",  "optgroup", "option", "p", "param",
-    "rp",   "rt",    "source",   "tbody",  "td",       "th",    "tr",    "track", "wbr"};
+    "area", "base",  "br",     "col",   "colgroup", "dd",   "dt",       "embed",  "frame", "hr",
+    "img",  "input", "keygen", "li",    "link",     "meta", "optgroup", "option", "p",     "param",
+    "rp",   "rt",    "source", "tbody", "td",       "th",   "tr",       "track",  "wbr"};
 
 std::string TagName(std::string_view text) {
     std::string name;
@@ -72,9 +72,8 @@ std::u16string Utf16Of(std::string_view bytes, bool isBigEndian) {
 // Tags are ASCII in all encodings that matter here; the rest decides only how a URL with other
 // characters in it is read.
 std::string ToUtf8(std::string_view bytes) {
-    const bool isAscii = std::none_of(bytes.begin(), bytes.end(), [](char ch) {
-        return static_cast<unsigned char>(ch) >= 0x80;
-    });
+    const bool isAscii = std::none_of(
+        bytes.begin(), bytes.end(), [](char ch) { return static_cast<unsigned char>(ch) >= 0x80; });
     if (isAscii) return std::string(bytes);
     if (bytes.starts_with("\xFF\xFE")) return Utf8FromWide(Utf16Of(bytes.substr(2), false));
     if (bytes.starts_with("\xFE\xFF")) return Utf8FromWide(Utf16Of(bytes.substr(2), true));
@@ -125,11 +124,18 @@ private:
 
     void VisitElement(const GumboElement& element) {
         switch (element.tag) {
-        case GUMBO_TAG_BASE: VisitBase(element); break;
-        case GUMBO_TAG_META: VisitMeta(element); break;
+        case GUMBO_TAG_BASE:
+            VisitBase(element);
+            break;
+        case GUMBO_TAG_META:
+            VisitMeta(element);
+            break;
         case GUMBO_TAG_FRAME:
-        case GUMBO_TAG_IFRAME: VisitFrame(element); break;
-        default: break;
+        case GUMBO_TAG_IFRAME:
+            VisitFrame(element);
+            break;
+        default:
+            break;
         }
     }
 
@@ -193,7 +199,8 @@ HtmlScan ScanHtml(std::string_view bytes, const std::string& pageUrl, std::strin
     const std::string html = ToUtf8(bytes);
     if (!MayHoldAnything(html)) return {};
     Scanner scanner(pageUrl);
-    if (IsTooDeep(html) || !VisitGumboTree(html, [&](const GumboNode& root) { scanner.Walk(root); })) {
+    if (IsTooDeep(html) ||
+        !VisitGumboTree(html, [&](const GumboNode& root) { scanner.Walk(root); })) {
         problem = "the document is nested too deeply to look for frames";
         return {};
     }

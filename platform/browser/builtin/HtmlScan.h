@@ -12,7 +12,7 @@
 namespace platform {
 
 struct HtmlScan {
-    std::vector<std::string> frames; // absolute URLs in document order
+    std::vector<std::string> frames;    // absolute URLs in document order
     std::optional<RefreshRule> refresh; // its reference is an absolute URL
 };
 

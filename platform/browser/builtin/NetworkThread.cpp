@@ -46,8 +46,12 @@ NetworkThread::~NetworkThread() {
     m_transfers.clear();
 }
 
-void NetworkThread::Start(FetchRequest request) { Send(std::move(request)); }
-void NetworkThread::Cancel(FetchId id) { Send(CancelCommand{id}); }
+void NetworkThread::Start(FetchRequest request) {
+    Send(std::move(request));
+}
+void NetworkThread::Cancel(FetchId id) {
+    Send(CancelCommand{id});
+}
 void NetworkThread::StartTimer(FetchId id, std::chrono::seconds delay) {
     Send(TimerCommand{id, std::chrono::steady_clock::now() + delay});
 }
@@ -117,7 +121,9 @@ bool NetworkThread::Handle(const TimerCommand& command) {
     return true;
 }
 
-bool NetworkThread::Handle(const EndCommand&) { return false; }
+bool NetworkThread::Handle(const EndCommand&) {
+    return false;
+}
 
 // File pages and the empty page.
 void NetworkThread::FetchAtOnce(const FetchRequest& request) {
@@ -174,7 +180,8 @@ void NetworkThread::ServeTimers() {
     for (const auto& [id, transfer] : m_transfers)
         if (const auto end = transfer->PatienceEnd(); end && *end <= now)
             impatient.push_back(transfer.get());
-    for (Transfer* transfer : impatient) Finish(*transfer, CURLE_OK);
+    for (Transfer* transfer : impatient)
+        Finish(*transfer, CURLE_OK);
     std::erase_if(m_timers, [&](const auto& timer) {
         const bool isDue = timer.second <= now;
         if (isDue) m_events.push_back({timer.first, TimerElapsed{}});
@@ -187,7 +194,8 @@ int NetworkThread::WaitMilliseconds() const {
     // The transfer library cuts this to what its own timers need.
     const Time now = std::chrono::steady_clock::now();
     Time next = now + std::chrono::hours(1);
-    for (const auto& timer : m_timers) next = std::min(next, timer.second);
+    for (const auto& timer : m_timers)
+        next = std::min(next, timer.second);
     for (const auto& [id, transfer] : m_transfers)
         if (const auto end = transfer->PatienceEnd()) next = std::min(next, *end);
     const auto wait = std::chrono::ceil<milliseconds>(next - now).count();

@@ -23,7 +23,8 @@ std::string LowerAscii(std::string_view text) {
 // The value in front of its parameters, in lower case.
 std::string WithoutParameters(std::string_view value) {
     value = value.substr(0, value.find(';'));
-    while (value.ends_with(' ') || value.ends_with('\t')) value.remove_suffix(1);
+    while (value.ends_with(' ') || value.ends_with('\t'))
+        value.remove_suffix(1);
     return LowerAscii(value);
 }
 
@@ -119,7 +120,8 @@ std::size_t Transfer::OnBody(char* data, std::size_t size, std::size_t count, vo
 bool Transfer::TakeHeaderLine(std::string_view line) {
     m_headerBytes += line.size();
     if (m_headerBytes > kMaxHeaderBytes) {
-        m_failure = "the head of the reply is larger than " + std::to_string(kMaxHeaderBytes) + " bytes";
+        m_failure =
+            "the head of the reply is larger than " + std::to_string(kMaxHeaderBytes) + " bytes";
         return false;
     }
     long status = 0;
@@ -132,7 +134,8 @@ bool Transfer::TakeHeaderLine(std::string_view line) {
 
 std::string Transfer::Field(const char* pszName) const {
     curl_header* field = nullptr;
-    if (curl_easy_header(m_easy.get(), pszName, 0, CURLH_HEADER, -1, &field) != CURLHE_OK) return {};
+    if (curl_easy_header(m_easy.get(), pszName, 0, CURLH_HEADER, -1, &field) != CURLHE_OK)
+        return {};
     return field->value;
 }
 
@@ -185,7 +188,7 @@ bool Transfer::Finish(CURLcode code) {
         PageReceived page;
         if (IsHtmlType(m_type))
             page.scan = ScanHtml(m_request.body->ViewByWriter(), m_request.url, page.problem);
-        if (auto rule = ParseRefresh(m_refresh)) {
+        if (auto rule = ParseRefresh(m_refresh); rule && IsPageType(m_type)) {
             auto url = ResolveReference(m_request.url, rule->reference);
             if (url && IsHttpUrl(*url)) page.scan.refresh = RefreshRule{rule->seconds, *url};
         }

@@ -11,7 +11,8 @@ HRESULT BrowserObject::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAM
     DISPPARAMS& params = pParams ? *pParams : none;
     HRESULT hr = DISP_E_MEMBERNOTFOUND;
     if (flags & DISPATCH_PROPERTYPUT)
-        hr = params.cArgs == 1 ? PutProperty(member, *Dereference(&params.rgvarg[0])) : E_INVALIDARG;
+        hr =
+            params.cArgs == 1 ? PutProperty(member, *Dereference(&params.rgvarg[0])) : E_INVALIDARG;
     if (hr == DISP_E_MEMBERNOTFOUND && (flags & DISPATCH_METHOD)) hr = InvokeMethod(member, params);
     if (hr == DISP_E_MEMBERNOTFOUND && (flags & DISPATCH_PROPERTYGET)) {
         VARIANT unused;
@@ -28,10 +29,14 @@ HRESULT BrowserObject::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAM
 HRESULT BrowserObject::InvokeMethod(DISPID member, DISPPARAMS& params) {
     switch (member) {
     case DISPID_WB_NAVIGATE:
-    case DISPID_WB_NAVIGATE2: return InvokeNavigate(params);
-    case DISPID_WB_STOP: return Stop();
-    case DISPID_WB_QUIT: return Quit();
-    default: return DISP_E_MEMBERNOTFOUND;
+    case DISPID_WB_NAVIGATE2:
+        return InvokeNavigate(params);
+    case DISPID_WB_STOP:
+        return Stop();
+    case DISPID_WB_QUIT:
+        return Quit();
+    default:
+        return DISP_E_MEMBERNOTFOUND;
     }
 }
 
@@ -56,21 +61,30 @@ HRESULT BrowserObject::GetProperty(DISPID member, VARIANT& result) {
     };
     VariantInit(&result);
     switch (member) {
-    case DISPID_READYSTATE: return as(VT_I4, get_ReadyState(&result.lVal));
-    case DISPID_WB_BUSY: return as(VT_BOOL, get_Busy(&result.boolVal));
-    case DISPID_WB_VISIBLE: return as(VT_BOOL, get_Visible(&result.boolVal));
-    case DISPID_WB_OFFLINE: return as(VT_BOOL, get_Offline(&result.boolVal));
-    case DISPID_WB_DOCUMENT: return as(VT_DISPATCH, get_Document(&result.pdispVal));
-    case DISPID_WB_APPLICATION: return as(VT_DISPATCH, get_Application(&result.pdispVal));
-    case DISPID_WB_LOCATIONURL: return as(VT_BSTR, get_LocationURL(&result.bstrVal));
-    case DISPID_WB_STATUSTEXT: return as(VT_BSTR, get_StatusText(&result.bstrVal));
+    case DISPID_READYSTATE:
+        return as(VT_I4, get_ReadyState(&result.lVal));
+    case DISPID_WB_BUSY:
+        return as(VT_BOOL, get_Busy(&result.boolVal));
+    case DISPID_WB_VISIBLE:
+        return as(VT_BOOL, get_Visible(&result.boolVal));
+    case DISPID_WB_OFFLINE:
+        return as(VT_BOOL, get_Offline(&result.boolVal));
+    case DISPID_WB_DOCUMENT:
+        return as(VT_DISPATCH, get_Document(&result.pdispVal));
+    case DISPID_WB_APPLICATION:
+        return as(VT_DISPATCH, get_Application(&result.pdispVal));
+    case DISPID_WB_LOCATIONURL:
+        return as(VT_BSTR, get_LocationURL(&result.bstrVal));
+    case DISPID_WB_STATUSTEXT:
+        return as(VT_BSTR, get_StatusText(&result.bstrVal));
     case DISPID_WB_HWND: {
         LONG_PTR window = 0;
         const HRESULT hr = get_HWND(&window);
         result.lVal = static_cast<LONG>(window); // handles fit in 32 bits
         return as(VT_I4, hr);
     }
-    default: return DISP_E_MEMBERNOTFOUND;
+    default:
+        return DISP_E_MEMBERNOTFOUND;
     }
 }
 

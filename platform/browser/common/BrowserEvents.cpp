@@ -53,8 +53,7 @@ bool RaiseBeforeNavigate2(ConnectionPoint& sinks, IDispatch* source,
     COleSafeArray postData;
     if (!request.body.empty())
         postData.CreateOneDim(VT_UI1, static_cast<DWORD>(request.body.size()), request.body.data());
-    COleVariant headers;
-    if (!request.headerBlock.empty()) headers.vt = VT_BSTR, headers.bstrVal = CComBSTR(request.headerBlock).Detach();
+    COleVariant headers{CString(request.headerBlock)};
     VARIANT_BOOL cancel = VARIANT_FALSE;
     std::array<VARIANT, 7> arguments{Reference(cancel),    Reference(headers), Reference(postData),
                                      Reference(frameName), Reference(flags),   Reference(url),

@@ -7,7 +7,9 @@
 namespace platform {
 namespace {
 
-VARIANT_BOOL VariantBool(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
+VARIANT_BOOL VariantBool(bool value) {
+    return value ? VARIANT_TRUE : VARIANT_FALSE;
+}
 
 // What every property answers: `value()` while the browser lives, an empty value afterwards.
 template <class T, class TValue>
@@ -32,7 +34,9 @@ void OwnerLink::Post(std::function<void(BrowserObject&)> work) {
 BrowserObject::BrowserObject()
     : m_events(MakeObject<ConnectionPoint>()), m_link(std::make_shared<OwnerLink>(*this)) {}
 
-BrowserObject::~BrowserObject() { m_link->Detach(); }
+BrowserObject::~BrowserObject() {
+    m_link->Detach();
+}
 
 void* BrowserObject::FindOther(REFIID iid) {
     return iid == IDispatch::Iid ? Dispatch() : nullptr;
@@ -89,8 +93,8 @@ HRESULT BrowserObject::get_Busy(VARIANT_BOOL* pBusy) {
 }
 
 HRESULT BrowserObject::get_Document(IDispatch** ppDocument) {
-    const HRESULT hr = Answer(m_hasQuit, ppDocument,
-                              [this] { return CComPtr<IDispatch>(m_document).Detach(); });
+    const HRESULT hr =
+        Answer(m_hasQuit, ppDocument, [this] { return CComPtr<IDispatch>(m_document).Detach(); });
     return SUCCEEDED(hr) && !m_document ? E_FAIL : hr;
 }
 

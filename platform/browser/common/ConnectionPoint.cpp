@@ -29,8 +29,9 @@ HRESULT ConnectionPoint::Unadvise(DWORD dwCookie) {
 void ConnectionPoint::Raise(DISPID event, DISPPARAMS& params) {
     const std::vector<Entry> sinks = m_sinks;
     for (const auto& [cookie, sink] : sinks) {
-        const bool isStillThere = std::any_of(
-            m_sinks.begin(), m_sinks.end(), [&](const Entry& entry) { return entry.first == cookie; });
+        const bool isStillThere =
+            std::any_of(m_sinks.begin(), m_sinks.end(),
+                        [&](const Entry& entry) { return entry.first == cookie; });
         if (isStillThere)
             sink->Invoke(event, IID{}, 0, DISPATCH_METHOD, &params, nullptr, nullptr, nullptr);
     }

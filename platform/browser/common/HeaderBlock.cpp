@@ -5,7 +5,9 @@
 namespace platform {
 namespace {
 
-char LowerAscii(char ch) { return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch; }
+char LowerAscii(char ch) {
+    return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
+}
 
 bool IsTokenCharacter(char ch) {
     const char lower = LowerAscii(ch);
@@ -54,9 +56,8 @@ bool IsToken(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), IsTokenCharacter);
 }
 
-std::optional<std::vector<HeaderField>> ParseHeaderBlock(std::string_view block,
-                                                         std::size_t bodyLength,
-                                                         std::string& error) {
+std::optional<std::vector<HeaderField>>
+ParseHeaderBlock(std::string_view block, std::size_t bodyLength, std::string& error) {
     std::vector<HeaderField> fields;
     error.clear();
     while (!block.empty()) {

@@ -16,9 +16,8 @@ struct HeaderField {
 // Empty, with the reason in plain words (no values repeated), when the block could not go out
 // exactly as given. bodyLength is what a Content-Length of the caller must say; that field itself
 // is left out, the engine writes it.
-std::optional<std::vector<HeaderField>> ParseHeaderBlock(std::string_view block,
-                                                         std::size_t bodyLength,
-                                                         std::string& error);
+std::optional<std::vector<HeaderField>>
+ParseHeaderBlock(std::string_view block, std::size_t bodyLength, std::string& error);
 
 // ASCII letters only.
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);

@@ -5,7 +5,9 @@
 namespace platform {
 namespace {
 
-bool IsAbsent(const VARIANT* pValue) { return !pValue || pValue->vt == VT_EMPTY; }
+bool IsAbsent(const VARIANT* pValue) {
+    return !pValue || pValue->vt == VT_EMPTY;
+}
 
 std::u16string_view TextOf(BSTR bstrText) {
     return {bstrText ? bstrText : u"", SysStringLen(bstrText)};
@@ -20,7 +22,8 @@ bool ReadBytes(const VARIANT* pValue, std::string& bytes) {
     if (FAILED(SafeArrayGetUBound(pValue->parray, 1, &bound)) ||
         FAILED(SafeArrayAccessData(pValue->parray, &pData)))
         return false;
-    if (bound >= 0) bytes.assign(static_cast<const char*>(pData), static_cast<std::size_t>(bound) + 1);
+    if (bound >= 0)
+        bytes.assign(static_cast<const char*>(pData), static_cast<std::size_t>(bound) + 1);
     SafeArrayUnaccessData(pValue->parray);
     return true;
 }
@@ -65,6 +68,7 @@ std::optional<NavigationRequest> ParseNavigation(const VARIANT* pUrl, const VARI
     auto headers = ParseHeaderBlock(request.headerBlock, request.body.size(), error);
     if (!headers) return std::nullopt;
     request.target = std::move(*target);
+    request.givenUrl = TextOf(pUrl->bstrVal);
     request.headers = std::move(*headers);
     return request;
 }

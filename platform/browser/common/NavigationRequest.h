@@ -14,6 +14,7 @@ namespace platform {
 
 struct NavigationRequest {
     PageUrl target;
+    std::u16string givenUrl; // as the caller gave it, user information included: never shown
     LONG flags = 0;
     std::string body; // empty: a GET request
     std::vector<HeaderField> headers;

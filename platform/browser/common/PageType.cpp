@@ -12,16 +12,14 @@
 namespace platform {
 namespace {
 
-constexpr std::array<std::string_view, 15> kPageTypes{
-    "text/html",  "application/xhtml+xml",  "text/plain",       "text/xml",   "application/xml",
-    "text/css",   "text/javascript",        "application/javascript", "application/json",
-    "image/png",  "image/jpeg",             "image/gif",        "image/webp", "image/bmp",
-    "image/svg+xml"};
-
-bool IsPageType(const std::string& type) {
-    return type.empty() || type.ends_with("+xml") || type.ends_with("+json") ||
-           std::find(kPageTypes.begin(), kPageTypes.end(), type) != kPageTypes.end();
-}
+constexpr std::array<std::string_view, 15> kPageTypes{"text/html",        "application/xhtml+xml",
+                                                      "text/plain",       "text/xml",
+                                                      "application/xml",  "text/css",
+                                                      "text/javascript",  "application/javascript",
+                                                      "application/json", "image/png",
+                                                      "image/jpeg",       "image/gif",
+                                                      "image/webp",       "image/bmp",
+                                                      "image/svg+xml"};
 
 bool IsMimeType(std::string_view type) {
     const std::size_t slash = type.find('/');
@@ -53,6 +51,11 @@ std::string ReasonNotShown(const ReplyType& reply) {
         return reply.isAttachment ? "an attachment is not shown as a page" : "";
     if (IsSubstitutedByText(reply.type)) return {};
     return (IsMimeType(reply.type) ? reply.type : "an unknown type") + " is not shown as a page";
+}
+
+bool IsPageType(const std::string& type) {
+    return type.empty() || type.ends_with("+xml") || type.ends_with("+json") ||
+           std::find(kPageTypes.begin(), kPageTypes.end(), type) != kPageTypes.end();
 }
 
 bool IsHtmlType(const std::string& type) {

@@ -16,6 +16,9 @@ struct ReplyType {
 // types that are no page's: one that has the plain text's entry is shown as text.
 std::string ReasonNotShown(const ReplyType& reply);
 
+// Types that browsers show as pages of their own; a missing type counts as one.
+bool IsPageType(const std::string& type);
+
 // Documents that may hold frames and refreshes.
 bool IsHtmlType(const std::string& type);
 

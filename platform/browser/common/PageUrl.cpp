@@ -15,9 +15,15 @@ constexpr std::string_view kFilePrefix = "file://";
 // File URLs are resolved by the rules of http URLs: the URL library knows no drive letters.
 constexpr std::string_view kFileStandIn = "http://file-page.invalid";
 
-bool IsLetter(char ch) { return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z'); }
-bool IsDigit(char ch) { return ch >= '0' && ch <= '9'; }
-bool IsSlash(char ch) { return ch == '/' || ch == '\\'; }
+bool IsLetter(char ch) {
+    return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z');
+}
+bool IsDigit(char ch) {
+    return ch >= '0' && ch <= '9';
+}
+bool IsSlash(char ch) {
+    return ch == '/' || ch == '\\';
+}
 
 void AppendEscaped(std::string& target, char ch) {
     constexpr std::string_view digits = "0123456789ABCDEF";
@@ -54,8 +60,8 @@ std::string FileUrlOfPath(std::string_view path) {
     std::string url(kFilePrefix);
     if (!IsSlash(path.front())) url += '/';
     for (const char ch : path) {
-        const bool isPlain = IsLetter(ch) || IsDigit(ch) || std::string_view("/:-._~").find(ch) !=
-                                                                std::string_view::npos;
+        const bool isPlain = IsLetter(ch) || IsDigit(ch) ||
+                             std::string_view("/:-._~").find(ch) != std::string_view::npos;
         if (ch == '\\')
             url += '/';
         else if (isPlain)
@@ -72,8 +78,8 @@ bool IsDrivePath(std::string_view text) {
 
 // "host:8080/..." looks like a scheme and is none.
 bool IsHostWithPort(std::string_view rest) {
-    const std::size_t digits =
-        static_cast<std::size_t>(std::find_if_not(rest.begin(), rest.end(), IsDigit) - rest.begin());
+    const std::size_t digits = static_cast<std::size_t>(
+        std::find_if_not(rest.begin(), rest.end(), IsDigit) - rest.begin());
     return digits > 0 && (digits == rest.size() ||
                           std::string_view("/\\?#").find(rest[digits]) != std::string_view::npos);
 }
@@ -115,10 +121,10 @@ std::optional<PageUrl> HttpPage(std::string_view text, std::string& error) {
 
 // Where control characters, size and emptiness are in order.
 std::optional<PageUrl> ParseTypedUrl(const std::string& text, std::string& error) {
-    if (IsDrivePath(text) || text.front() == '/')
-        return PageUrl{FileUrlOfPath(text), {}, {}};
+    if (IsDrivePath(text) || text.front() == '/') return PageUrl{FileUrlOfPath(text), {}, {}};
     const std::string scheme = SchemeOf(text);
-    const std::string_view rest = std::string_view(text).substr(scheme.empty() ? 0 : scheme.size() + 1);
+    const std::string_view rest =
+        std::string_view(text).substr(scheme.empty() ? 0 : scheme.size() + 1);
     if (scheme.empty() || (!rest.starts_with("//") && IsHostWithPort(rest)))
         return HttpPage("http://" + text, error);
     if (scheme == "http" || scheme == "https") return HttpPage(text, error);
@@ -131,8 +137,10 @@ std::optional<PageUrl> ParseTypedUrl(const std::string& text, std::string& error
 } // namespace
 
 std::optional<PageUrl> ParsePageUrl(std::u16string_view text, std::string& error) {
-    while (text.starts_with(u' ')) text.remove_prefix(1);
-    while (text.ends_with(u' ')) text.remove_suffix(1);
+    while (text.starts_with(u' '))
+        text.remove_prefix(1);
+    while (text.ends_with(u' '))
+        text.remove_suffix(1);
     if (text.empty())
         error = "the URL is empty";
     else if (text.size() > kMaxUrlLength)
@@ -148,8 +156,10 @@ std::optional<PageUrl> ParsePageUrl(std::u16string_view text, std::string& error
 std::optional<std::string> ResolveReference(const std::string& baseUrl,
                                             std::string_view reference) {
     const auto isBlank = [](char ch) { return static_cast<unsigned char>(ch) <= 0x20; };
-    while (!reference.empty() && isBlank(reference.front())) reference.remove_prefix(1);
-    while (!reference.empty() && isBlank(reference.back())) reference.remove_suffix(1);
+    while (!reference.empty() && isBlank(reference.front()))
+        reference.remove_prefix(1);
+    while (!reference.empty() && isBlank(reference.back()))
+        reference.remove_suffix(1);
     std::string cleaned;
     std::copy_if(reference.begin(), reference.end(), std::back_inserter(cleaned),
                  [](char ch) { return ch != '\t' && ch != '\r' && ch != '\n'; });
@@ -182,7 +192,8 @@ std::string SchemeOf(std::string_view url) {
     for (const char ch : url) {
         if (ch == ':') return scheme;
         const bool isSchemeCharacter =
-            IsLetter(ch) || (!scheme.empty() && (IsDigit(ch) || ch == '+' || ch == '-' || ch == '.'));
+            IsLetter(ch) ||
+            (!scheme.empty() && (IsDigit(ch) || ch == '+' || ch == '-' || ch == '.'));
         if (!isSchemeCharacter) break;
         scheme += ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
     }
@@ -194,7 +205,9 @@ bool IsHttpUrl(std::string_view url) {
     return scheme == "http" || scheme == "https";
 }
 
-std::string WithoutFragment(const std::string& url) { return url.substr(0, url.find('#')); }
+std::string WithoutFragment(const std::string& url) {
+    return url.substr(0, url.find('#'));
+}
 
 std::string OriginOf(const std::string& url) {
     const auto parsed = IsHttpUrl(url) ? CurlUrl::Parse(url) : std::nullopt;

@@ -11,7 +11,7 @@
 namespace platform {
 
 struct Setting {
-    CString name; // ZRHTTP_...
+    CString name;   // ZRHTTP_...
     CString value;  // empty where the default is to look for it
     CString source; // "environment", "platform.ini" or "default"
 };

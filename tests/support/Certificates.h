@@ -1,0 +1,38 @@
+// Certificates for HTTPS test servers, made anew in each run.
+#pragma once
+
+#include <memory>
+#include <string>
+
+// As libcrypto declares them.
+struct x509_st;
+struct evp_pkey_st;
+
+namespace test_support {
+
+enum class Validity { current, expired };
+
+// A certificate with its key.
+class Certificate {
+public:
+    // hostAddress is an IP address, for example "127.0.0.1".
+    static Certificate SelfSigned(const std::string& hostAddress,
+                                  Validity validity = Validity::current);
+    static Certificate Authority();
+    // Signed by this one, which must be an authority.
+    Certificate Issue(const std::string& hostAddress) const;
+
+    // The certificate alone, in PEM.
+    std::string Pem() const;
+    x509_st* X509Pointer() const { return m_certificate.get(); }
+    evp_pkey_st* KeyPointer() const { return m_key.get(); }
+
+private:
+    static Certificate Make(const std::string& name, const std::string& hostAddress,
+                            Validity validity, const Certificate* issuer);
+
+    std::shared_ptr<x509_st> m_certificate;
+    std::shared_ptr<evp_pkey_st> m_key;
+};
+
+} // namespace test_support

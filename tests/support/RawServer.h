@@ -1,0 +1,50 @@
+// A loopback server that sends exactly the bytes it is told to and then closes the connection: for
+// replies that no proper server would give.
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/Gate.h"
+
+namespace test_support {
+
+class RawServer {
+public:
+    RawServer();
+    ~RawServer();
+    RawServer(const RawServer&) = delete;
+    RawServer& operator=(const RawServer&) = delete;
+
+    int Port() const { return m_port; }
+    std::string Url(const std::string& path) const;
+    // The reply for a path. With a gate, `rest` follows once the gate is open.
+    void Set(const std::string& path, std::string bytes, std::shared_ptr<Gate> gate = nullptr,
+             std::string rest = "");
+
+private:
+    struct Reply {
+        std::string bytes;
+        std::shared_ptr<Gate> gate;
+        std::string rest;
+    };
+
+    void Listen();
+    void Serve(int connection);
+    Reply ReplyFor(const std::string& request);
+
+    int m_listener = -1;
+    int m_port = 0;
+    std::atomic<bool> m_isEnding{false};
+    std::mutex m_mutex;
+    std::map<std::string, Reply> m_replies;
+    std::vector<std::thread> m_connections; // the listening thread's
+    std::thread m_thread;
+};
+
+} // namespace test_support
