@@ -143,7 +143,13 @@ void CFile::Close() {
 }
 
 void CFile::Remove(const char* pszFileName) {
-    if (::unlink(LocalNameOrThrow(pszFileName)) != 0) ThrowErrno(pszFileName);
+    const CString strLocal = LocalNameOrThrow(pszFileName);
+    struct stat status = {};
+    if (::lstat(strLocal, &status) != 0) ThrowErrno(pszFileName);
+    // A device named as a target is not a file to be cleared away.
+    if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode))
+        ThrowError(ERROR_ACCESS_DENIED, pszFileName);
+    if (::unlink(strLocal) != 0) ThrowErrno(pszFileName);
 }
 
 void CFile::Rename(const char* pszOldName, const char* pszNewName) {

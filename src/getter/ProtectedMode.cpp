@@ -48,8 +48,10 @@ std::optional<EZrAbModule> WrapperModule(EZrAbAppGroup eGroup) {
 std::optional<BOOL> Ask(EZrAbAppGroup eGroup, const CString& strUrl) {
     const auto module = WrapperModule(eGroup);
     if (!module) return std::nullopt;
-    const CString path = CZrAbModules::GetModuleStaticDataPath(eGroup, *module, 1) + kWrapperFile;
-    if (!CZrCbFileSystem::FileExists(path)) return std::nullopt;
+    const CString directory = CZrAbModules::GetModuleStaticDataPath(eGroup, *module, 1);
+    const CString path = directory + kWrapperFile;
+    // Without a directory the name alone would load whatever lies in the current one.
+    if (directory.IsEmpty() || !CZrCbFileSystem::FileExists(path)) return std::nullopt;
     const LoadedLibrary library(path);
     if (!library.IsLoaded()) return FALSE;
     const FARPROC proc = library.FindProc(kWrapperExport);

@@ -81,6 +81,32 @@ BackendKind ChooseBackend(int nVariant, const CString& strServerUrl, int bForceI
     return bInProcess ? BackendKind::inProcess : BackendKind::outOfProcess;
 }
 
+// A back-end that cannot connect stays attached.
+DWORD AttachBackend(CZrHbUHttpGet_Impl& state, BackendKind kind, HWND hWndParent, CString& strErr,
+                    const ConnectTrace& trace) {
+    state.backend = platform::Current<BackendFactory>().Create(kind, state.nConnectVersion);
+    if (!state.backend) {
+        strErr = "Internal error: No valid browser instance";
+        ZRHB_TRACE(strErr, state.eGroup);
+        return ZRHB_CONNECT_FAILED;
+    }
+    if (state.backend->Connect(hWndParent, strErr) != ZRHB_OK) {
+        strErr = "Internal error: Connecting browser instance failed";
+        return trace.Returns(strErr, ZRHB_CONNECT_FAILED);
+    }
+    return trace.Returns(strErr, ZRHB_OK);
+}
+
+// Only inside a catch block.
+DWORD EndByException(const CZrHbUHttpGet_Impl& state, const char* pszBrowserName, CString& strErr,
+                     const ConnectTrace& trace) {
+    strErr = DescribeConnectException(pszBrowserName);
+    CZrHbErrorHandling::__ZrHb_SetParams(__FILE__, __LINE__);
+    CZrHbErrorHandling::__ZrHb_WriteErrorText_Fmt(
+        state.eGroup, "CZrHbUHttpGet::Connect() / Unexpected EXCEPTION! : %s", strErr.GetString());
+    return trace.Returns(strErr, ZRHB_CANNOT_NAVIGATE);
+}
+
 } // namespace
 
 DWORD CZrHbUHttpGet::Connect(HWND hWndParent, CString& strErr, EZrHbInterfaceVariant eVariant,
@@ -130,24 +156,10 @@ DWORD CZrHbUHttpGet::ConnectRefact(HWND hWndParent, CString& strErr, EZrHbInterf
         const BackendKind kind =
             ChooseBackend(eVariant, strServerUrl, bForceInProcessOnVista, bInProcess,
                           [&] { return MAPI_IEIsProtectedModeURL(strServerUrl); });
-        state->backend = platform::Current<BackendFactory>().Create(kind, state->nConnectVersion);
-        if (!state->backend) {
-            strErr = "Internal error: No valid browser instance";
-            ZRHB_TRACE(strErr, state->eGroup);
-            return ZRHB_CONNECT_FAILED;
-        }
-        if (state->backend->Connect(hWndParent, strErr) != ZRHB_OK) {
-            strErr = "Internal error: Connecting browser instance failed";
-            return trace.Returns(strErr, ZRHB_CONNECT_FAILED);
-        }
-        return trace.Returns(strErr, ZRHB_OK);
+        return AttachBackend(*state, kind, hWndParent, strErr, trace);
     } catch (...) {
-        strErr = DescribeConnectException(browserName);
+        return EndByException(*state, browserName, strErr, trace);
     }
-    CZrHbErrorHandling::__ZrHb_SetParams(__FILE__, __LINE__);
-    CZrHbErrorHandling::__ZrHb_WriteErrorText_Fmt(
-        state->eGroup, "CZrHbUHttpGet::Connect() / Unexpected EXCEPTION! : %s", strErr.GetString());
-    return trace.Returns(strErr, ZRHB_CANNOT_NAVIGATE);
 }
 
 void CZrHbUHttpGet::Disconnect(DWORD dwWaitMs) {

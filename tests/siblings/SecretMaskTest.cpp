@@ -38,8 +38,9 @@ TEST(SecretMask, HidesTheValuesOfSecretFields) {
 // The rules once more, as regular expressions over short texts.
 std::string MaskLiterally(const std::string& text) {
     static const std::regex url("//[^/?#\"\\s]*@");
-    static const std::regex field("(^|[^a-z0-9])([a-z0-9]*(?:auth|token)[a-z0-9]*|"
-                                  "(?:[a-z0-9]*[0-9])?(?:pin|tan|sid)(?:[0-9][a-z0-9]*)?)=[^&;\\s]*");
+    static const std::regex field(
+        "(^|[^a-z0-9])([a-z0-9]*(?:auth|token)[a-z0-9]*|"
+        "(?:[a-z0-9]*[0-9])?(?:pin|tan|sid)(?:[0-9][a-z0-9]*)?)=[^&;\\s]*");
     return std::regex_replace(std::regex_replace(text, url, "//***@"), field, "$1$2=***");
 }
 

@@ -29,17 +29,31 @@ std::string EchoText(const ReceivedRequest& request) {
     return text + "\n" + request.body;
 }
 
+bool WritePieces(const Answer& answer, httplib::DataSink& sink) {
+    for (std::size_t index = 0; index < answer.pieces.size(); ++index) {
+        if (index > 0 && answer.pieceGate) answer.pieceGate->Wait();
+        const std::string& piece = answer.pieces[index];
+        if (!piece.empty() && !sink.write(piece.data(), piece.size())) return false;
+    }
+    return true;
+}
+
 void SendInPieces(httplib::Response& response, const Answer& answer) {
-    response.set_chunked_content_provider(
-        answer.type, [answer](std::size_t, httplib::DataSink& sink) {
-            for (std::size_t index = 0; index < answer.pieces.size(); ++index) {
-                if (index > 0 && answer.pieceGate) answer.pieceGate->Wait();
-                const std::string& piece = answer.pieces[index];
-                if (!piece.empty() && !sink.write(piece.data(), piece.size())) return false;
-            }
-            sink.done();
-            return true;
-        });
+    if (!answer.pieceGate)
+        return response.set_chunked_content_provider(
+            answer.type, [answer](std::size_t, httplib::DataSink& sink) {
+                if (!WritePieces(answer, sink)) return false;
+                sink.done();
+                return true;
+            });
+    // The library compresses chunked texts and would hold pieces back.
+    std::size_t length = 0;
+    for (const std::string& piece : answer.pieces)
+        length += piece.size();
+    response.set_content_provider(length, answer.type,
+                                  [answer](std::size_t, std::size_t, httplib::DataSink& sink) {
+                                      return WritePieces(answer, sink);
+                                  });
 }
 
 } // namespace

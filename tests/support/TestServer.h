@@ -22,8 +22,8 @@ struct Answer {
     std::string body;
     HeaderList headers;
     std::shared_ptr<Gate> gate; // the reply waits here before its first byte
-    // When there are any, the body is sent in these pieces, chunked, in place of `body`. Each but
-    // the first waits at pieceGate (when there is one).
+    // When there are any, the body is sent in these pieces in place of `body`: chunked, or with a
+    // pieceGate, where each but the first waits, under a Content-Length.
     std::vector<std::string> pieces;
     std::shared_ptr<Gate> pieceGate;
 };

@@ -35,7 +35,8 @@ public:
     // Throws CFileException when the system reports a late write error.
     void Close();
 
-    // Both throw CFileException. Rename replaces an existing target.
+    // Both throw CFileException. Remove takes files and links only, no directory or device; Rename
+    // replaces an existing target.
     static void Remove(const char* pszFileName);
     static void Rename(const char* pszOldName, const char* pszNewName);
     // TRUE when pszFileName is an existing file (not a directory).

@@ -23,8 +23,10 @@ protected:
 TEST_F(PageSource, BytesAreKeptWhateverTheyMean) {
     const std::string nul("a\0b\0\0c", 6);
     const std::pair<const char*, Answer> pages[] = {
-        {"/latin1", Bytes("text/html; charset=ISO-8859-1", "<p>Gr\xFC\xDF" "e \x80\x81</p>")},
-        {"/utf8", Bytes("text/html; charset=UTF-8", "\xEF\xBB\xBF<p>Gr\xC3\xBC\xC3\x9F" "e</p>")},
+        {"/latin1", Bytes("text/html; charset=ISO-8859-1", "<p>Gr\xFC\xDF"
+                                                           "e \x80\x81</p>")},
+        {"/utf8", Bytes("text/html; charset=UTF-8", "\xEF\xBB\xBF<p>Gr\xC3\xBC\xC3\x9F"
+                                                    "e</p>")},
         {"/invalid", Bytes("text/html; charset=UTF-8", "\xC3(\xFF\xFE<p>")},
         {"/nul", Bytes("text/html", nul)},
         {"/lines", Bytes("text/plain", "a\r\nb\nc\rd\r\n\r\n")},

@@ -1,0 +1,39 @@
+#include "Measurement.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace {
+
+double Milliseconds(clockid_t clock) {
+    timespec now{};
+    ::clock_gettime(clock, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
+}
+
+} // namespace
+
+void Measurement::Sample() {
+    const double wall = Milliseconds(CLOCK_MONOTONIC);
+    const double processor = Milliseconds(CLOCK_PROCESS_CPUTIME_ID);
+    m_run();
+    m_processor += Milliseconds(CLOCK_PROCESS_CPUTIME_ID) - processor;
+    m_wall.push_back(Milliseconds(CLOCK_MONOTONIC) - wall);
+}
+
+double Measurement::WallQuantile(double fraction) const {
+    std::vector<double> sorted = m_wall;
+    std::sort(sorted.begin(), sorted.end());
+    return sorted[static_cast<std::size_t>(fraction * static_cast<double>(sorted.size() - 1))];
+}
+
+double Measurement::ProcessorMean() const {
+    return m_processor / static_cast<double>(m_wall.size());
+}
+
+void RunInterleaved(std::vector<Measurement>& measurements, int rounds) {
+    const std::size_t count = measurements.size();
+    for (std::size_t round = 0; round < static_cast<std::size_t>(rounds); ++round)
+        for (std::size_t i = 0; i < count; ++i)
+            measurements[(round + i) % count].Sample();
+}

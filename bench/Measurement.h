@@ -1,0 +1,29 @@
+// Wall and processor time of one way to do a thing, one sample a run.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class Measurement {
+public:
+    Measurement(std::string name, std::function<void()> run)
+        : m_name(std::move(name)), m_run(std::move(run)) {}
+
+    void Sample();
+    const std::string& Name() const { return m_name; }
+    // Milliseconds; fraction 0.5 is the median.
+    double WallQuantile(double fraction) const;
+    // Milliseconds of processor time of all threads, on average.
+    double ProcessorMean() const;
+
+private:
+    std::string m_name;
+    std::function<void()> m_run;
+    std::vector<double> m_wall;
+    double m_processor = 0;
+};
+
+// Samples all of them in turn, each round beginning with another one, so that none always runs
+// behind the same neighbour.
+void RunInterleaved(std::vector<Measurement>& measurements, int rounds);

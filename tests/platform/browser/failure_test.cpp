@@ -1,0 +1,209 @@
+// Navigations that fail: a clear text, one record, no document, never a hang.
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include "platform/browser/BrowserSink.h"
+#include "platform/browser/TestBrowser.h"
+#include "support/DiagnosticRecorder.h"
+#include "support/PumpUntil.h"
+#include "support/RawServer.h"
+#include "support/TemporaryHome.h"
+#include "support/TestServer.h"
+
+namespace platform_test {
+namespace {
+
+using namespace test_support;
+
+// Loads a URL that fails and returns the status text; everything else a failure promises holds.
+std::string StatusOfFailure(const std::string& url, const std::string& postData = "") {
+    DiagnosticRecorder recorder;
+    TestBrowser browser;
+    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
+    sink->Connect(*browser);
+    browser.Load(url, postData, postData.empty() ? "" : "Content-Type: text/plain\r\n");
+    EXPECT_EQ(READYSTATE_COMPLETE, browser.State());
+    EXPECT_FALSE(browser.HasDocument());
+    EXPECT_EQ(3u, sink->events.size());
+    if (sink->events.size() == 3) {
+        EXPECT_TRUE(sink->events[0].starts_with("before "));
+        EXPECT_TRUE(sink->events[1].starts_with("navigated "));
+        EXPECT_TRUE(sink->events[2].starts_with("complete "));
+    }
+    EXPECT_EQ(std::vector<std::string>{"(none)"}, sink->sources);
+    EXPECT_EQ(1u, recorder.Failures().size());
+    if (!recorder.Failures().empty())
+        EXPECT_TRUE(recorder.Failures()[0].ends_with(browser.Status())) << recorder.Failures()[0];
+    sink->Disconnect();
+    return browser.Status();
+}
+
+TEST(Failure, NoServer) {
+    int port = 0;
+    {
+        const TestServer gone;
+        port = gone.Port();
+    }
+    EXPECT_EQ("connection refused", StatusOfFailure("http://127.0.0.1:" + std::to_string(port)));
+    EXPECT_EQ("host name not found: no-such-host.invalid",
+              StatusOfFailure("http://no-such-host.invalid/"));
+}
+
+TEST(Failure, BrokenReplies) {
+    const std::string head = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n";
+    const std::string chunked = head + "Transfer-Encoding: chunked\r\n\r\n";
+    const struct {
+        const char* path;
+        std::string bytes;
+        const char* status;
+    } cases[] = {
+        {"/nothing", "", "the server closed the connection without a reply"},
+        {"/garbage", "\x01\x02 this is no HTTP\r\n\r\n", "the reply is not HTTP"},
+        {"/cut-status", "HTTP/1.1 20", "the reply is not HTTP"},
+        {"/cut-head", head + "Content-Le", "the connection broke off in the head of the reply"},
+        {"/no-body", head + "Content-Length: 10\r\n\r\n",
+         "the connection broke off after 0 of 10 bytes"},
+        {"/short", head + "Content-Length: 10\r\n\r\n1234567",
+         "the connection broke off after 7 of 10 bytes"},
+        {"/cut-chunk", chunked + "a\r\n1234", "the connection broke off after 4 bytes"},
+        {"/no-last-chunk", chunked + "4\r\n1234\r\n", "the connection broke off after 4 bytes"},
+        {"/bad-gzip", head + "Content-Encoding: gzip\r\nContent-Length: 8\r\n\r\nnot gzip",
+         "the reply's compression is broken"}};
+    RawServer server;
+    for (const auto& one : cases) {
+        server.Set(one.path, one.bytes);
+        EXPECT_EQ(one.status, StatusOfFailure(server.Url(one.path))) << one.path;
+    }
+}
+
+TEST(Failure, APageThatBreaksOffLosesItsDocument) {
+    RawServer server;
+    const auto gate = std::make_shared<Gate>();
+    server.Set("/", "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n12345", gate);
+    TestBrowser browser;
+    ASSERT_EQ(S_OK, browser.Navigate(server.Url("/")));
+    browser.WaitForState(READYSTATE_INTERACTIVE);
+    EXPECT_EQ("12345", browser.Source());
+    gate->Open();
+    browser.WaitUntilDone();
+    EXPECT_FALSE(browser.HasDocument());
+    EXPECT_EQ("the connection broke off after 5 of 10 bytes", browser.Status());
+}
+
+TEST(Failure, HeadWithoutEnd) {
+    RawServer server;
+    std::string head = "HTTP/1.1 200 OK\r\n";
+    for (int line = 0; line < 30'000; ++line)
+        head += "X-Filler: 0123456789\r\n";
+    server.Set("/", head);
+    EXPECT_EQ("the head of the reply is larger than 262144 bytes",
+              StatusOfFailure(server.Url("/")));
+}
+
+TEST(Failure, CertificatesThatAreNotTrusted) {
+    const Certificate authority = Certificate::Authority();
+    const TestServer selfSigned(Certificate::SelfSigned("127.0.0.1"));
+    const TestServer unknown(authority.Issue("127.0.0.1"));
+    EXPECT_EQ("self-signed certificate", StatusOfFailure(selfSigned.Url("/")));
+    EXPECT_EQ("certificate of an unknown authority", StatusOfFailure(unknown.Url("/")));
+}
+
+TEST(Failure, CertificatesOfTheFileAreTrustedAndCheckedInEveryOtherWay) {
+    TemporaryHome home;
+    const Certificate authority = Certificate::Authority();
+    const Certificate expired = Certificate::SelfSigned("127.0.0.1", Validity::expired);
+    home.WriteFile("extra.pem", authority.Pem() + expired.Pem());
+    const ScopedVariable variable("ZRHTTP_CA_FILE", home.Path("extra.pem"));
+
+    TestServer trusted(authority.Issue("127.0.0.1"));
+    trusted.Set("/", Html("secure"));
+    TestBrowser browser;
+    browser.Load(trusted.Url("/"));
+    EXPECT_EQ("secure", browser.Source());
+
+    const TestServer otherHost(authority.Issue("127.0.0.2"));
+    const TestServer old(expired);
+    EXPECT_EQ("certificate is for another host", StatusOfFailure(otherHost.Url("/")));
+    EXPECT_EQ("certificate has expired", StatusOfFailure(old.Url("/")));
+}
+
+TEST(Failure, MalformedUrls) {
+    const struct {
+        std::u16string url;
+        const char* status;
+    } cases[] = {
+        {u"", "the URL is empty"},
+        {u"  ", "the URL is empty"},
+        {u"ftp://host/x", "scheme \"ftp\" is not supported: use http, https or file"},
+        {u"javascript:alert(1)", "scheme \"javascript\" is not supported: use http, https or file"},
+        {u"http:///path", "the URL names no host"},
+        {u"http://a b/", "the host name in the URL holds a blank"},
+        {u"http://host:99999/", "the URL is malformed"},
+        {u"http://host/a\r\nb", "the URL holds a control character"},
+        {std::u16string(u"http://host/\0x", 14), "the URL holds a control character"},
+        {u"file://server/share", "a file URL must name an absolute path on this computer"},
+        {u"http://host/" + std::u16string(65'536, u'a'),
+         "the URL is longer than 65536 characters"}};
+    DiagnosticRecorder recorder;
+    TestBrowser browser;
+    for (const auto& one : cases) {
+        EXPECT_EQ(E_INVALIDARG, browser.Navigate(one.url)) << one.status;
+        EXPECT_EQ(one.status, browser.Status());
+        EXPECT_FALSE(browser.IsBusy());
+    }
+    EXPECT_EQ(std::size(cases), recorder.Failures().size());
+}
+
+TEST(Failure, MalformedHeaderBlocks) {
+    const struct {
+        std::string block;
+        const char* status;
+    } cases[] = {
+        {"A: 1\nB: 2\r\n", "the header block holds a stray CR, LF or NUL"},
+        {"A: 1\rB: 2\r\n", "the header block holds a stray CR, LF or NUL"},
+        {std::string("A: 1\0\r\n", 7), "the header block holds a stray CR, LF or NUL"},
+        {"A: 1\r\nno colon\r\n", "the header block holds a line without \":\""},
+        {"A: 1\r\n\r\nB: 2\r\n", "the header block holds a line without \":\""},
+        {"A B: 1\r\n", "the header block holds an invalid field name"},
+        {": 1\r\n", "the header block holds an invalid field name"},
+        {"Transfer-Encoding: chunked\r\n", "the header block must not set Transfer-Encoding"},
+        {"content-length: 4\r\n",
+         "the Content-Length in the header block is not the length of the data"}};
+    TestBrowser browser;
+    for (const auto& one : cases) {
+        EXPECT_EQ(E_INVALIDARG, browser.Navigate("http://127.0.0.1/", "data!", one.block));
+        EXPECT_EQ(one.status, browser.Status());
+    }
+}
+
+TEST(Failure, RecordsHoldNoSecrets) {
+    DiagnosticRecorder recorder;
+    TestBrowser browser;
+    RawServer server;
+    const std::string host = "127.0.0.1:" + std::to_string(server.Port());
+    browser.Load("http://user:geheim@" + host + "/?pin=geheim", "pin=geheim", "X-Pin: geheim\r\n");
+    EXPECT_EQ("http://" + host + "/?pin=geheim", browser.Location());
+    browser.Navigate("http://user:geheim@a b/");
+    browser.Navigate("http://host/", "", "geheim\r\n");
+    ASSERT_EQ(3u, recorder.Failures().size());
+    for (const std::string& text : recorder.Failures())
+        EXPECT_EQ(std::string::npos, text.find("geheim")) << text;
+}
+
+TEST(Failure, Offline) {
+    TestServer server;
+    TestBrowser browser;
+    ASSERT_EQ(S_OK, browser->put_Offline(VARIANT_TRUE));
+    browser.Load(server.Url("/echo"));
+    EXPECT_FALSE(browser.HasDocument());
+    EXPECT_EQ("browser is offline", browser.Status());
+    EXPECT_TRUE(server.Requests().empty());
+    ASSERT_EQ(S_OK, browser->put_Offline(VARIANT_FALSE));
+    browser.Load(server.Url("/echo"));
+    EXPECT_TRUE(browser.HasDocument());
+    EXPECT_EQ("", browser.Status());
+}
+
+} // namespace
+} // namespace platform_test
