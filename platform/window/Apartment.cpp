@@ -52,6 +52,8 @@ private:
             m_work.pop_front();
         }
         work();
+        // Posting has woken the thread; only now is there something new to see.
+        m_queue->PostNews();
     }
 
     const std::shared_ptr<MessageQueue> m_queue;

@@ -88,7 +88,13 @@ RawServer::Reply RawServer::ReplyFor(const std::string& request) {
     const std::size_t begin = request.find(' ') + 1;
     const std::string path = request.substr(begin, request.find(' ', begin) - begin);
     const std::lock_guard lock(m_mutex);
+    m_requests.push_back(request.substr(0, request.find("\r\n\r\n") + 4));
     return m_replies[path];
+}
+
+std::vector<std::string> RawServer::Requests() {
+    const std::lock_guard lock(m_mutex);
+    return m_requests;
 }
 
 } // namespace test_support

@@ -26,6 +26,8 @@ public:
     // The reply for a path. With a gate, `rest` follows once the gate is open.
     void Set(const std::string& path, std::string bytes, std::shared_ptr<Gate> gate = nullptr,
              std::string rest = "");
+    // The heads that have arrived, byte for byte, oldest first.
+    std::vector<std::string> Requests();
 
 private:
     struct Reply {
@@ -43,6 +45,7 @@ private:
     std::atomic<bool> m_isEnding{false};
     std::mutex m_mutex;
     std::map<std::string, Reply> m_replies;
+    std::vector<std::string> m_requests;
     std::vector<std::thread> m_connections; // the listening thread's
     std::thread m_thread;
 };

@@ -2,6 +2,9 @@
 #include <csignal>
 #include <exception>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 
 #include "zrhttp/Commands.h"
@@ -9,6 +12,14 @@
 #include "zrhttp/Terminal.h"
 
 namespace {
+
+// A file or socket opened later must not take the number of a standard stream that was closed by
+// the caller: messages and pages would go there. Opened the wrong way round, they still fail.
+void ReserveStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+}
 
 int Run(int argumentCount, char** arguments) {
     CLI::App application("Fetches pages as the e-banking client does.", "zrhttp");
@@ -34,6 +45,7 @@ int Run(int argumentCount, char** arguments) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    ReserveStandardStreams();
     // A reader that goes away is a failed write, with a message, not the end of the process.
     std::signal(SIGPIPE, SIG_IGN);
     try {

@@ -10,11 +10,12 @@ namespace {
 
 // The numbers of X509_V_ERR_..., as CURLINFO_SSL_VERIFYRESULT reports them.
 enum class CertificateCheck : long {
-    unknownIssuer = 20,
+    notFinished = 1, // stays so when the host name is what does not fit
     notYetValid = 9,
     expired = 10,
     selfSigned = 18,
     selfSignedInChain = 19,
+    unknownIssuer = 20,
     unknownFirst = 21,
     revoked = 23,
     hostMismatch = 62
@@ -37,12 +38,11 @@ std::string CertificateText(CURL* easy) {
         return "certificate of an unknown authority";
     case CertificateCheck::revoked:
         return "certificate has been revoked";
+    case CertificateCheck::notFinished:
     case CertificateCheck::hostMismatch:
-        break;
+        return "certificate is for another host";
     }
-    return result == 0 || result == static_cast<long>(CertificateCheck::hostMismatch)
-               ? "certificate is for another host"
-               : "certificate is not trusted (check " + std::to_string(result) + ")";
+    return "certificate is not trusted (check " + std::to_string(result) + ")";
 }
 
 std::string ConnectText(CURL* easy) {

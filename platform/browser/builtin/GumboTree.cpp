@@ -4,8 +4,6 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "browser/builtin/Limits.h"
-
 namespace platform {
 namespace {
 
@@ -21,7 +19,8 @@ std::clock_t ThreadMilliseconds() {
 // too much is left, by a jump over its (plain C) frames.
 class ParseMemory {
 public:
-    ParseMemory() = default;
+    explicit ParseMemory(const TreeLimits& limits)
+        : m_maxBytes(limits.bytes), m_deadline(ThreadMilliseconds() + limits.time.count()) {}
     ParseMemory(const ParseMemory&) = delete;
     ParseMemory& operator=(const ParseMemory&) = delete;
     ~ParseMemory() {
@@ -47,9 +46,8 @@ private:
 
     void* Add(std::size_t size) {
         const bool isTimeOver = ++m_calls % 16 == 0 && ThreadMilliseconds() > m_deadline;
-        void* memory = isTimeOver || m_bytes + size > kMaxTreeBytes
-                           ? nullptr
-                           : std::malloc(sizeof(Block) + size);
+        void* memory =
+            isTimeOver || m_bytes + size > m_maxBytes ? nullptr : std::malloc(sizeof(Block) + size);
         if (!memory) std::longjmp(m_giveUp, 1);
         Block* block = ::new (memory) Block{&m_blocks, m_blocks.next, size};
         if (block->next) block->next->previous = block;
@@ -67,10 +65,10 @@ private:
 
     std::jmp_buf m_giveUp;
     Block m_blocks;
+    const std::size_t m_maxBytes;
+    const std::clock_t m_deadline;
     std::size_t m_bytes = 0;
     std::size_t m_calls = 0;
-    const std::clock_t m_deadline =
-        ThreadMilliseconds() + std::chrono::milliseconds(kMaxTreeTime).count();
 };
 
 // Nothing with a destructor may live in here: the jump passes over it.
@@ -86,8 +84,9 @@ const GumboOutput* Parse(ParseMemory& memory, std::string_view utf8) {
 
 } // namespace
 
-bool VisitGumboTree(std::string_view utf8, const std::function<void(const GumboNode&)>& visit) {
-    ParseMemory memory;
+bool VisitGumboTree(std::string_view utf8, const std::function<void(const GumboNode&)>& visit,
+                    const TreeLimits& limits) {
+    ParseMemory memory(limits);
     const GumboOutput* output = Parse(memory, utf8);
     if (!output) return false;
     visit(*output->document);

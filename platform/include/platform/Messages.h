@@ -39,6 +39,6 @@ DWORD MsgWaitForMultipleObjects(DWORD nCount, const void* pHandles, BOOL bWaitAl
                                 DWORD dwMilliseconds, DWORD dwWakeMask);
 
 // Waits until an object living in this thread's apartment has posted news (an event, a state
-// change) that no earlier call has reported, at most dwMilliseconds. TRUE for news. Other messages
-// do not end the wait.
+// change), or had it dispatched, since the last call; at most dwMilliseconds. TRUE for news. Other
+// messages do not end the wait.
 BOOL WaitForApartmentNews(DWORD dwMilliseconds);

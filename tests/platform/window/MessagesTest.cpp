@@ -206,6 +206,13 @@ TEST(Apartment, NewsEndsAPauseAndOtherMessagesDoNot) {
     EXPECT_TRUE(WaitForApartmentNews(200));
     EXPECT_EQ(clock.TickCount() - start, 200u);
     EXPECT_FALSE(WaitForApartmentNews(200));
+
+    // Woken by the posting, a loop looks before it dispatches: what the dispatch brings is news.
+    platform::Apartment::OfThisThread()->Post([] {});
+    EXPECT_TRUE(WaitForApartmentNews(200));
+    Pump();
+    EXPECT_TRUE(WaitForApartmentNews(200));
+    EXPECT_FALSE(WaitForApartmentNews(200));
     DestroyWindow(window);
 }
 

@@ -1,0 +1,66 @@
+#include <gmock/gmock.h>
+
+#include "support/RunTool.h"
+
+namespace {
+
+using test_support::RunTool;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(Usage, VersionAndHelpGoToStandardOutput) {
+    EXPECT_THAT(RunTool({"version"}).output, StartsWith("zrhttp "));
+    EXPECT_THAT(RunTool({"version", "--json"}).output,
+                AllOf(StartsWith("{\"name\":\"zrhttp\",\"version\":\""), HasSubstr("\"SQLite\":")));
+    const auto help = RunTool({"fetch", "--help"});
+    EXPECT_EQ(help.exitStatus, 0);
+    EXPECT_THAT(help.output, AllOf(HasSubstr("--post-file"), HasSubstr("Exit status")));
+    EXPECT_EQ(help.error, "");
+}
+
+struct WrongCall {
+    std::vector<std::string> arguments;
+    std::string text;
+};
+
+TEST(Usage, WrongCallsEndWithStatus2AndSayWhatIsWrong) {
+    const std::string url = "http://127.0.0.1:1/";
+    const WrongCall calls[] = {
+        {{}, "no subcommand"},
+        {{"fetsch"}, "fetsch"},
+        {{"fetch"}, "URL is required"},
+        {{"fetch", ""}, "URL: is empty"},
+        {{"fetch", "http://127.0.0.1:1/\r\n"}, "control character"},
+        {{"fetch", url, "--bogus"}, "--bogus"},
+        {{"fetch", url, "--via", "hidden"}, "not available in this build"},
+        {{"fetch", url, "--engine", "chromium"}, "not available in this build"},
+        {{"fetch", url, "--engine", "lynx"}, "lynx"},
+        {{"fetch", url, "--timeout", "-1"}, "--timeout"},
+        {{"fetch", url, "--timeout", "1s"}, "--timeout"},
+        {{"fetch", url, "--timeout", "4294967296"}, "--timeout"},
+        {{"fetch", url, "--post", "a", "--post-file", "b"}, "excludes"},
+        {{"fetch", url, "--post", "\xE6\x97\xA5"}, "code page 1252"},
+        {{"fetch", url, "--post", "\xFC"}, "invalid UTF-8"},
+        {{"fetch", url, "--post-file", "-"}, "empty"},
+        {{"fetch", url, "--post-file", "/nonexistent"}, "'/nonexistent': No such file"},
+        {{"fetch", url, "--post-file", "/"}, "directory"},
+        {{"fetch", url, "--header", "A: b"}, "with --post"},
+        {{"fetch", url, "--post", "a", "--header", "no colon"}, "Name: value"},
+        {{"fetch", url, "--post", "a", "--header", "Two words: b"}, "Name: value"},
+        {{"fetch", url, "--post", "a", "--header", "A: b\r\nCookie: c"}, "line break"},
+        {{"fetch", url, "--post", "a", "--header", "A: b\nCookie: c"}, "line break"},
+        {{"fetch", url, "--content-type", "x\\y"}, "--content-type"},
+        {{"fetch", url, "--collect", "--output", "f"}, "excludes"},
+        {{"fetch", url, "--save", "f", "--title", "T"}, "--title"},
+        {{"fetch", url, "--json", "--output", "-"}, "--output"},
+    };
+    for (const WrongCall& call : calls) {
+        const auto run = RunTool(call.arguments);
+        EXPECT_EQ(run.exitStatus, 2) << call.text;
+        EXPECT_EQ(run.output, "") << call.text;
+        EXPECT_THAT(run.error, AllOf(StartsWith("zrhttp: "), HasSubstr(call.text)));
+    }
+}
+
+} // namespace
