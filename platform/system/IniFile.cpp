@@ -105,7 +105,7 @@ UINT LeadingNumber(std::string_view text) {
 // Copies as much as fits before `reserved` closing NULs; returns the characters copied.
 DWORD CopyText(std::string_view text, char* buffer, DWORD size, DWORD reserved) {
     const std::size_t count = std::min<std::size_t>(text.size(), size - reserved);
-    std::memcpy(buffer, text.data(), count);
+    text.copy(buffer, count);
     std::memset(buffer + count, 0, reserved);
     return static_cast<DWORD>(count);
 }

@@ -6,9 +6,10 @@
 
 // The text with
 //   - the user information of URLs replaced: "//user:secret@host" becomes "//***@host". It begins
-//     behind "//" and ends at the last "@" before the next "/", "?", "#", double quote or blank;
-//   - the values of fields with a secret's name replaced: "name=value" becomes "name=***". The value
-//     ends at the next "&", ";" or blank.
+//     behind the slashes and ends at the last "@" before the next "/", "?", "#", double quote or
+//     blank;
+//   - the values of fields with a secret's name replaced: "name=value" becomes "name=***". The
+//     value ends at the next "&", ";" or blank.
 // Blanks are the space and all control characters. Rather a harmless value masked than a secret
 // logged. Linear.
 std::string MaskSecrets(std::string_view text);

@@ -170,7 +170,7 @@ void NetworkThread::Finish(Transfer& transfer, CURLcode code) {
 void NetworkThread::Retire(FetchId id) {
     const auto found = m_transfers.find(id);
     m_idleHandles.push_back(found->second->ReleaseEasy());
-    curl_easy_reset(m_idleHandles.back().get()); // forgets where the transfer kept its data
+    ResetEasy(m_idleHandles.back().get()); // forgets where the transfer kept its data
     m_transfers.erase(found);
 }
 

@@ -34,6 +34,12 @@ bool IsRedirect(long status) {
 
 } // namespace
 
+void ResetEasy(CURL* easy) {
+    // The library's own reset forgets the list of cookie files without freeing it.
+    curl_easy_setopt(easy, CURLOPT_COOKIEFILE, nullptr);
+    curl_easy_reset(easy);
+}
+
 Transfer::Transfer(FetchRequest request, CurlEasy easy, const TransferSettings& settings,
                    std::vector<NetworkEvent>& events)
     : m_request(std::move(request)), m_easy(std::move(easy)), m_settings(settings),
@@ -43,7 +49,7 @@ Transfer::Transfer(FetchRequest request, CurlEasy easy, const TransferSettings& 
 
 void Transfer::SetUp() {
     CURL* easy = m_easy.get();
-    curl_easy_reset(easy); // connections, cookies and the share stay
+    ResetEasy(easy);
     m_status = 0;
     m_redirectTarget.clear();
     m_headerBytes = 0;

@@ -18,6 +18,9 @@ struct CurlEasyCleanup {
 };
 using CurlEasy = std::unique_ptr<CURL, CurlEasyCleanup>;
 
+// Back to the state of a new handle; its connections, cookies and share stay.
+void ResetEasy(CURL* easy);
+
 struct CurlListCleanup {
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
