@@ -19,6 +19,9 @@ public:
     }
 
     HRESULT CreateInstance(REFCLSID clsid, DWORD, REFIID iid, void** ppObject) override {
+        const HRESULT result = ClassTable::Get().Create(clsid, iid, ppObject);
+        if (result != REGDB_E_CLASSNOTREG) return result;
+        // Only now, so that classes that somebody has registered come first.
         RegisterBrowserClasses();
         return ClassTable::Get().Create(clsid, iid, ppObject);
     }

@@ -10,18 +10,14 @@
 namespace test_support {
 namespace {
 
-constexpr int kLooks = 20;
-constexpr auto kBetweenLooks = std::chrono::milliseconds(100);
-
 // "PID (name)", or empty when the process has ended (also when nobody has collected it yet).
 std::string Describe(const std::string& pid) {
     std::ifstream file("/proc/" + pid + "/stat");
     std::string line;
-    if (!std::getline(file, line)) return {};
-    const std::size_t nameEnd = line.rfind(')');
-    if (nameEnd == std::string::npos || nameEnd + 2 >= line.size()) return {};
-    const char state = line[nameEnd + 2];
-    return state == 'Z' || state == 'X' ? std::string() : line.substr(0, nameEnd + 1);
+    std::getline(file, line);
+    const std::size_t nameEnd = line.rfind(") ");
+    if (nameEnd == std::string::npos || line.find_first_of("ZX", nameEnd) == nameEnd + 2) return {};
+    return line.substr(0, nameEnd + 1);
 }
 
 std::vector<std::string> LookOnce() {
@@ -44,8 +40,8 @@ void AdoptOrphans() {
 
 std::vector<std::string> RunningChildren() {
     std::vector<std::string> running = LookOnce();
-    for (int look = 1; look < kLooks && !running.empty(); ++look) {
-        std::this_thread::sleep_for(kBetweenLooks);
+    for (int look = 1; look < 20 && !running.empty(); ++look) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
         running = LookOnce();
     }
     return running;

@@ -1,10 +1,12 @@
+// The user's directories and settings, drive paths and the libraries found by them.
 #include <platform/UserPaths.h>
 
 #include <filesystem>
 
 #include <gtest/gtest.h>
 #include <platform/LastError.h>
-#include <sys/stat.h>
+#include <platform/Library.h>
+#include <platform/Settings.h>
 
 #include "support/ScopedVariable.h"
 #include "support/TemporaryHome.h"
@@ -17,47 +19,36 @@ using test_support::TemporaryHome;
 
 std::string Local(const char* path) {
     CString local = "untouched";
-    SetLastError(ERROR_SUCCESS);
     if (LocalFileName(path, local)) return std::string(local.View());
     EXPECT_EQ(local, "untouched");
     return "refused " + std::to_string(GetLastError());
 }
 
-TEST(LocalFileName, DrivePathsMapBelowTheDrive) {
+TEST(LocalFileName, DrivePathsStayBelowTheDrive) {
     const TemporaryHome home;
-    const std::string drive = home.Path("drive_c");
-    EXPECT_EQ(Local("c:\\a\\b.txt"), drive + "/a/b.txt");
-    EXPECT_EQ(Local("C:/a//b\\.\\c\\"), drive + "/a/b/c");
-    EXPECT_EQ(Local("c:relative"), drive + "/relative");
-    EXPECT_EQ(Local("c:\\a\\..\\..b\\b..\\..."), drive + "/..b/b../...");
-    EXPECT_EQ(Local("c:"), drive);
-}
-
-TEST(LocalFileName, NothingLeavesTheRoot) {
-    const TemporaryHome home;
+    const std::pair<const char*, const char*> kCases[] = {
+        {"c:\\a\\b.txt", "/a/b.txt"},
+        {"C:/a//b\\.\\c\\", "/a/b/c"},
+        {"c:relative", "/relative"},
+        {"c:\\a\\..\\..b\\b..\\...", "/..b/b../..."},
+        {"c:", ""}};
+    for (const auto& [path, local] : kCases)
+        EXPECT_EQ(Local(path), home.Path("drive_c") + local);
     for (const char* path : {"c:\\..", "c:..\\x", "c:/a/../../x", "c:\\a\\..\\..\\drive_c\\x",
                              "c:\\.\\..", "d:\\x", "Z:"})
         EXPECT_EQ(Local(path), "refused 5") << path;
     EXPECT_EQ(Local(nullptr), "refused 87");
-}
-
-TEST(LocalFileName, OtherPathsStayAsTheyAre) {
     for (const char* path : {"", "a", "../a", "/etc/x", "1:\\a", "cc:\\a", "back\\slash"})
         EXPECT_EQ(Local(path), path);
 }
 
-TEST(Directories, FollowTheChosenRootAtEveryCall) {
+TEST(Directories, FollowTheChosenRootAtEveryCallOrTheBaseDirectories) {
     const ScopedVariable root("ZRHTTP_HOME", "/one/../two/");
     EXPECT_EQ(SettingsDirectory(), "/two/settings");
-    EXPECT_EQ(DataDirectory(), "/two/data");
-    EXPECT_EQ(LogDirectory(), "/two/log");
-    EXPECT_EQ(RegistryFileName(), "/two/registry.sqlite");
     const ScopedVariable relative("ZRHTTP_HOME", "below");
     EXPECT_EQ(DataDirectory().View(), (std::filesystem::current_path() / "below/data").string());
-}
 
-TEST(Directories, WithoutARootAreTheBaseDirectories) {
-    const ScopedVariable root("ZRHTTP_HOME", nullptr);
+    const ScopedVariable noRoot("ZRHTTP_HOME", nullptr);
     const ScopedVariable home("HOME", "/home/me");
     const ScopedVariable config("XDG_CONFIG_HOME", nullptr);
     const ScopedVariable state("XDG_STATE_HOME", "relative/is/ignored");
@@ -66,7 +57,6 @@ TEST(Directories, WithoutARootAreTheBaseDirectories) {
     EXPECT_EQ(LogDirectory(), "/home/me/.local/state/zrhttpbase3/log");
     EXPECT_EQ(DataDirectory(), "/xdg/zrhttpbase3/data");
     EXPECT_EQ(RegistryFileName(), "/xdg/zrhttpbase3/registry.sqlite");
-    EXPECT_EQ(Local("c:\\x"), "/xdg/zrhttpbase3/drive_c/x");
 }
 
 TEST(MakeDirectory, MakesPrivateDirectoriesOrTellsWhyNot) {
@@ -74,18 +64,65 @@ TEST(MakeDirectory, MakesPrivateDirectoriesOrTellsWhyNot) {
     home.WriteFile("file", "x");
     EXPECT_TRUE(MakeDirectory("c:\\a\\b"));
     EXPECT_TRUE(MakeDirectory("c:\\a\\b")) << "it may exist";
-    struct stat status = {};
-    ASSERT_EQ(::stat(home.Path("drive_c/a").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0700U);
+    EXPECT_EQ(std::filesystem::status(home.Path("drive_c/a")).permissions(),
+              std::filesystem::perms::owner_all);
     EXPECT_FALSE(MakeDirectory(home.Path("file").c_str()));
     EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
-    EXPECT_FALSE(MakeDirectory("/proc/self/no/such"));
-    EXPECT_NE(GetLastError(), ERROR_ALREADY_EXISTS);
+}
 
-    EXPECT_TRUE(IsReadableDirectory("c:\\a"));
-    EXPECT_FALSE(IsReadableDirectory("c:\\missing"));
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    EXPECT_FALSE(IsReadableDirectory(home.Path("file").c_str()));
+TEST(Settings, EnvironmentComesBeforeFileBeforeDefault) {
+    constexpr const char* kName = "ZRHTTP_APPLICATION";
+    const auto shown = [](const char* name) {
+        const Setting setting = GetSetting(name);
+        return std::string(setting.value) + " from " + setting.source.GetString();
+    };
+    const TemporaryHome home;
+    const ScopedVariable restored(kName, nullptr);
+    EXPECT_EQ(shown(kName), "chromium from default");
+    const std::string path(5000, 'p');
+    home.WriteFile("settings/platform.ini", "[Platform]\nzrhttp_application = " + path + "\n");
+    const ScopedVariable empty(kName, "");
+    EXPECT_EQ(shown(kName), path + " from platform.ini");
+    const ScopedVariable set(kName, "other");
+    EXPECT_EQ(shown(kName), "other from environment");
+
+    // The file lies below the root, so that it cannot move it.
+    const ScopedVariable noRoot("ZRHTTP_HOME", nullptr);
+    const ScopedVariable base("XDG_CONFIG_HOME", home.Path("config").c_str());
+    home.WriteFile("config/zrhttpbase3/settings/platform.ini", "[Platform]\nZRHTTP_HOME=/away\n");
+    EXPECT_EQ(GetSetting("ZRHTTP_HOME").source, "default");
+}
+
+TEST(Library, IsFoundByDrivePathAndInTheCurrentDirectoryWithItsOwnExportsOnly) {
+    const TemporaryHome home;
+    std::filesystem::create_directory(home.Path("drive_c"));
+    std::filesystem::copy_file(WRAPPER_FILE, home.Path("drive_c/copy.dll"));
+    const HMODULE byDrivePath = LoadLibraryA("c:\\copy.dll");
+    EXPECT_TRUE(GetProcAddress(byDrivePath, "MAPI_IEIsProtectedModeURL"));
+    for (const char* name : {"malloc", "NoSuchExport"}) {
+        EXPECT_FALSE(GetProcAddress(byDrivePath, name)) << name;
+        EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+    }
+    EXPECT_TRUE(FreeLibrary(byDrivePath));
+    EXPECT_FALSE(GetProcAddress(nullptr, "malloc"));
+    EXPECT_FALSE(FreeLibrary(nullptr));
+
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(home.Path("drive_c"));
+    const HMODULE byName = LoadLibraryA("copy.dll");
+    std::filesystem::current_path(before);
+    EXPECT_TRUE(FreeLibrary(byName));
+}
+
+TEST(Library, WhatCannotBeLoadedIsNotFound) {
+    const TemporaryHome home;
+    home.WriteFile("drive_c/text.dll", "no library");
+    // The system's own directories are not searched: libc.so.6 is no file of the current one.
+    for (const char* name : {"c:\\text.dll", "c:\\missing.dll", "c:\\..\\x.dll", "libc.so.6", ""}) {
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(LoadLibraryA(name)) << name;
+        EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND) << name;
+    }
 }
 
 } // namespace
