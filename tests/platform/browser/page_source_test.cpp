@@ -4,7 +4,6 @@
 #include <platform/Registry.h>
 
 #include "platform/browser/TestBrowser.h"
-#include "support/MemoryRegistry.h"
 #include "support/PumpUntil.h"
 #include "support/TemporaryHome.h"
 #include "support/TestServer.h"
@@ -130,8 +129,8 @@ TEST_F(PageSource, OtherTypesAreNotShown) {
 }
 
 TEST_F(PageSource, ATypeWithThePlainTextEntryIsShownAsText) {
-    MemoryRegistry registry;
-    const platform::ScopedService<platform::RegistryStore> installed(registry);
+    const TemporaryHome home;
+    auto& registry = platform::RegistryStore::Real();
     ASSERT_EQ(ERROR_SUCCESS,
               registry.CopyTree(HKEY_CLASSES_ROOT, "MIME\\Database\\Content Type\\text/plain",
                                 HKEY_CLASSES_ROOT,

@@ -13,7 +13,6 @@
 
 #include "support/DiagnosticRecorder.h"
 #include "support/ManualClock.h"
-#include "support/MemoryRegistry.h"
 #include "support/TemporaryHome.h"
 
 namespace {
@@ -51,19 +50,7 @@ protected:
     RegistryStore* store = &RegistryStore::Real();
 };
 
-// One contract for the file and its twin in memory.
-class RegistryContract : public RegistryTest, public ::testing::WithParamInterface<bool> {
-protected:
-    RegistryContract() {
-        if (GetParam()) store = &memory;
-    }
-
-    test_support::MemoryRegistry memory;
-};
-
-INSTANTIATE_TEST_SUITE_P(FileAndMemory, RegistryContract, ::testing::Bool());
-
-TEST_P(RegistryContract, KeepsValuesOfAnyBytesUnderNamesOfAnyCase) {
+TEST_F(RegistryTest, KeepsValuesOfAnyBytesUnderNamesOfAnyCase) {
     EXPECT_EQ(Get("MIME\\Database\\Content Type\\TEXT/HTML", "extension", HKEY_CLASSES_ROOT),
               ".htm");
     const std::string bytes("\x01\0\xFF", 3);
@@ -92,7 +79,7 @@ TEST_F(RegistryTest, RefusesArgumentsThatNameNothing) {
     EXPECT_EQ(Exists("b"), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_P(RegistryContract, DeletesATreeAndNothingBesideIt) {
+TEST_F(RegistryTest, DeletesATreeAndNothingBesideIt) {
     Set({{"a\\b\\c", "1"}, {"a\\bc", "1"}, {"a\\b%", "1"}, {"a\\b_", "1"}, {"a\\_", "1"}});
     for (const char* key : {"A\\B_", "a\\_", "a\\B"})
         EXPECT_EQ(store->DeleteTree(HKEY_CURRENT_USER, key), ERROR_SUCCESS) << key;
@@ -103,7 +90,7 @@ TEST_P(RegistryContract, DeletesATreeAndNothingBesideIt) {
     ExpectTexts({{"a\\b\\c", "error 2"}}); // no value comes back with the key
 }
 
-TEST_P(RegistryContract, CopiesATreeIntoAnother) {
+TEST_F(RegistryTest, CopiesATreeIntoAnother) {
     Set({{"from", "1"}, {"from\\x\\y", "2"}, {"to", "old"}, {"to\\kept", "3"}});
     ASSERT_EQ(Copy("FROM", "to"), ERROR_SUCCESS);
     ExpectTexts({{"to", "1"}, {"to\\X\\y", "2"}, {"to\\kept", "3"}, {"from\\x\\y", "2"}});
@@ -112,7 +99,7 @@ TEST_P(RegistryContract, CopiesATreeIntoAnother) {
     EXPECT_EQ(Get("new/type", "Extension"), ".txt");
 }
 
-TEST_P(RegistryContract, CopiesATreeAboveItselfButNotIntoItself) {
+TEST_F(RegistryTest, CopiesATreeAboveItselfButNotIntoItself) {
     // The source is what it was at the start, though the copy writes into it.
     Set({{"a\\b", "outer"}, {"a\\b\\b", "middle"}, {"a\\b\\b\\b", "inner"}});
     ASSERT_EQ(Copy("a\\b", "a"), ERROR_SUCCESS);
