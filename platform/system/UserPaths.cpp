@@ -137,6 +137,7 @@ bool LocalFileName(const char* pszPath, CString& strLocal) {
     std::vector<std::string_view> parts;
     if (!isDriveC || !ResolveParts(path.substr(2), parts)) return Refuse(ERROR_ACCESS_DENIED);
     strLocal = Place("drive_c", DataBase);
+    MakeDirectory(strLocal); // the drive is always there; what lies on it is the client's business
     for (const std::string_view part : parts)
         strLocal += CString("/") + CString(part);
     return true;

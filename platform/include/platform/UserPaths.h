@@ -15,8 +15,9 @@ CString LogDirectory();
 CString RegistryFileName();
 
 // A path as the system takes it: drive paths ("c:\a\b", "C:/a/b") map below drive_c/ with
-// backslashes as slashes; other paths stay as they are. Returns false, with GetLastError()
-// (ERROR_ACCESS_DENIED), for a drive path that would leave its root ("..") or another drive.
+// backslashes as slashes, and make that root where it is missing; other paths stay as they are.
+// Returns false, with GetLastError() (ERROR_ACCESS_DENIED), for a drive path that would leave its
+// root ("..") or another drive.
 bool LocalFileName(const char* pszPath, CString& strLocal);
 
 // Both take drive paths as well.

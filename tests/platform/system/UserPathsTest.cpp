@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include <gtest/gtest.h>
+#include <platform/File.h>
 #include <platform/LastError.h>
 #include <platform/Library.h>
 #include <platform/Settings.h>
@@ -34,6 +35,8 @@ TEST(LocalFileName, DrivePathsStayBelowTheDrive) {
         {"c:", ""}};
     for (const auto& [path, local] : kCases)
         EXPECT_EQ(Local(path), home.Path("drive_c") + local);
+    CFile file;
+    EXPECT_TRUE(file.Open("c:\\new.txt", CFile::modeCreate | CFile::modeWrite));
     for (const char* path : {"c:\\..", "c:..\\x", "c:/a/../../x", "c:\\a\\..\\..\\drive_c\\x",
                              "c:\\.\\..", "d:\\x", "Z:"})
         EXPECT_EQ(Local(path), "refused 5") << path;
