@@ -21,6 +21,11 @@ constexpr DWORD kBusyPollMs = 100;
 constexpr DWORD kShowPageLimitMs = 60'000;
 constexpr DWORD kDisconnectLimitMs = 10'000;
 
+DWORD OpenNotConnected(CString& strErr) {
+    strErr = BackendTexts::kOpenNotConnected;
+    return ZRHB_OPEN_NOT_CONNECTED;
+}
+
 DWORD ConnectFailed(CString& strErr, const char* pszCall) {
     strErr.Format("Internal Error: Cannot Connect to %s failed", pszCall);
     return ZRHB_CONNECT_FAILED;
@@ -60,10 +65,7 @@ HWND CZrHbWebBrowserHttpGet::CreateHostWindow() {
 
 DWORD CZrHbWebBrowserHttpGet::Open(const CString& strUrl, CString& strErr, const void* pPostData,
                                    DWORD nPostLen, const char* pszHeaders, BOOL) {
-    if (!m_browser) {
-        strErr = BackendTexts::kOpenNotConnected;
-        return ZRHB_OPEN_NOT_CONNECTED;
-    }
+    if (!m_browser) return OpenNotConnected(strErr);
     NavigationRequest request(strUrl, pPostData, nPostLen, pszHeaders, m_connectVersion,
                               kNavigationFlags);
     if (FAILED(request.NavigateWith(*m_browser))) {
@@ -73,6 +75,7 @@ DWORD CZrHbWebBrowserHttpGet::Open(const CString& strUrl, CString& strErr, const
     TitleHostWindow(strUrl);
     if (m_isNewWindow) {
         WaitWhileBusy(kShowPageLimitMs);
+        if (!m_browser) return OpenNotConnected(strErr);
         ShowWindow(m_hostWindow, SW_SHOW);
     }
     return ZRHB_OK;
@@ -89,12 +92,14 @@ void CZrHbWebBrowserHttpGet::TitleHostWindow(const CString& strUrl) {
 }
 
 void CZrHbWebBrowserHttpGet::WaitWhileBusy(DWORD limit) {
+    // A message that is handled meanwhile may disconnect.
+    const CComPtr<IWebBrowser2> browser = m_browser;
     const DWORD start = GetTickCount();
     VARIANT_BOOL busy = VARIANT_FALSE;
     do {
         CZrCbSystem::WaitTimeout(kBusyPollMs, 1);
         busy = VARIANT_FALSE;
-        m_browser->get_Busy(&busy);
+        browser->get_Busy(&busy);
     } while (busy != VARIANT_FALSE && GetTickCount() - start < limit);
 }
 

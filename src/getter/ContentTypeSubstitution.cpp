@@ -31,6 +31,10 @@ void DeleteKey(const CString& strKey) {
 } // namespace
 
 void ContentTypeSubstitution::Substitute(const CString& strContentType) {
+    m_type.reset();
+    // No type, and a key name that would mean other keys, up to the whole database.
+    if (strContentType.IsEmpty() || strContentType.View().find('\\') != std::string_view::npos)
+        return;
     m_type = std::make_shared<CString>(strContentType);
     const CString own = kDatabase + strContentType;
     const CString backup = own + kBackupSuffix;

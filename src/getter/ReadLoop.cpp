@@ -74,7 +74,8 @@ DWORD Step(CZrHbUHttpGet_Impl& state, TPage& page, CString& strErr, DWORD& nLeng
         strErr = "Cannot read: no previous Open() or already Close()'d or Disconnect()-ed.";
         return ZRHB_NO_OPEN_PAGE;
     }
-    DWORD result = state.backend->Read(page, strErr, nLength, strUrl);
+    const auto backend = state.backend.Hold(); // its Read may serve messages
+    DWORD result = backend->Read(page, strErr, nLength, strUrl);
     state.NoteProgress(nLength);
     if (IsLoading(result) && state.IsTimedOut(state.EffectiveTimeout(dwTimeout, bLargeData))) {
         strErr.Format("Timeout occured while reading from page %s", state.strLastUrl.GetString());

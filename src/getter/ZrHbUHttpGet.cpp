@@ -44,6 +44,7 @@ CZrHbUHttpGet::CZrHbUHttpGet(const CZrHbUHttpGet& other) {
 CZrHbUHttpGet& CZrHbUHttpGet::operator=(const CZrHbUHttpGet& other) {
     Assign([&] {
         if (this == &other || !GetImpl() || !other.GetImpl()) return;
+        Close();
         Disconnect(0);
         *GetImpl() = *other.GetImpl();
     });

@@ -165,8 +165,7 @@ DWORD CZrHbUHttpGet::ConnectRefact(HWND hWndParent, CString& strErr, EZrHbInterf
 void CZrHbUHttpGet::Disconnect(DWORD dwWaitMs) {
     if (!IsConnected()) return;
     Close();
-    GetImpl()->backend->Disconnect();
-    GetImpl()->backend = nullptr;
+    GetImpl()->backend.Take()->Disconnect();
     if (GetImpl()->nConnectedWith == 0) return;
     for (DWORD waited = 0; waited < dwWaitMs; waited += 100) {
         HandleWinMessageQueue();

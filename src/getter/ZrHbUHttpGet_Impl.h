@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include <ZrAbAppGroup.h>
 #include <platform/String.h>
@@ -22,9 +23,12 @@ public:
     }
     CZrHbHttpGet* operator->() const { return m_backend.get(); }
     explicit operator bool() const { return m_backend != nullptr; }
+    // For calls that serve the thread's messages: what is handled there may disconnect.
+    std::shared_ptr<CZrHbHttpGet> Hold() const { return m_backend; }
+    std::shared_ptr<CZrHbHttpGet> Take() { return std::exchange(m_backend, nullptr); }
 
 private:
-    std::unique_ptr<CZrHbHttpGet> m_backend;
+    std::shared_ptr<CZrHbHttpGet> m_backend;
 };
 
 class CZrHbUHttpGet_Impl {

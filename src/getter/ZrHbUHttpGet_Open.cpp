@@ -17,6 +17,11 @@ void WaitBeforePost(CZrHbUHttpGet_Impl& state) {
     if (state.nSecurityWait > 0) CZrCbSystem::WaitTimeout(state.nSecurityWait, 1);
 }
 
+DWORD NotConnected(CString& strErr) {
+    strErr = "Open failed because: not connected.";
+    return ZRHB_OPEN_NOT_CONNECTED;
+}
+
 DWORD RecordedPostLength(const void* pPostData, DWORD nPostLen) {
     if (nPostLen != ZRHB_LENGTH_OF_TEXT || !pPostData) return nPostLen;
     return static_cast<DWORD>(std::strlen(static_cast<const char*>(pPostData)));
@@ -42,11 +47,10 @@ DWORD CZrHbUHttpGet::Open(const CString& strUrl, CString& strErr, void* const pP
                           DWORD nPostLen, const char* pszHeaders, BOOL bKeepPageOpen) {
     CZrHbUHttpGet_Impl* const state = GetImpl();
     if (!state) return ZRHB_OPEN_NOT_CONNECTED;
-    if (!state->backend) {
-        strErr = "Open failed because: not connected.";
-        return ZRHB_OPEN_NOT_CONNECTED;
-    }
+    if (!state->backend) return NotConnected(strErr);
     if (pPostData) WaitBeforePost(*state);
+    const auto backend = state->backend.Hold();
+    if (!backend) return NotConnected(strErr);
     state->StartReadClocks();
     state->strLastUrl = strUrl;
     state->bKeepPageOpen = bKeepPageOpen;
@@ -54,7 +58,7 @@ DWORD CZrHbUHttpGet::Open(const CString& strUrl, CString& strErr, void* const pP
     if (state->isPageOpen) Close();
 
     const DWORD result =
-        state->backend->Open(strUrl, strErr, pPostData, nPostLen, pszHeaders, bKeepPageOpen);
+        backend->Open(strUrl, strErr, pPostData, nPostLen, pszHeaders, bKeepPageOpen);
     if (result != ZRHB_OK) {
         Close();
         return result;

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <ZrHbResultCodes.h>
+#include <ZrHbUHttpGet.h>
+#include <platform/Apartment.h>
 #include <platform/Window.h>
 
 #include "backends/ZrHbWebBrowserHttpGet.h"
@@ -219,4 +221,21 @@ TEST_F(InProcessBackend, AFailingNavigationAndTheEndOfAConnection) {
     backend->Disconnect();
     backend->Disconnect();
     EXPECT_EQ(browser->Count("Quit"), 2);
+}
+
+// The waits serve messages, and the client's window may be closed just then.
+TEST_F(InProcessBackend, AMessageMayDisconnectTheGetterWhileItWaits) {
+    CZrHbUHttpGet getter(eAppGroup_2);
+    const auto connect = [&] {
+        getter.ConnectV3(nullptr, strErr, CZrHbUHttpGet::eVisible,
+                         CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "", "", 1, 1);
+        platform::Apartment::OfThisThread()->Post([&] { getter.Disconnect(0); });
+    };
+    connect();
+    getter.Disconnect(0);
+    EXPECT_EQ(browser->Count("Quit"), 1);
+    connect();
+    EXPECT_EQ(getter.OpenInNewWindow("http://h/", strErr), 21u);
+    EXPECT_EQ(browser->Count("Quit"), 2);
+    EXPECT_FALSE(getter.IsConnected());
 }

@@ -4,6 +4,7 @@
 
 #include <ZrHbUHttpGet.h>
 #include <platform/CodePage.h>
+#include <platform/Diagnostics.h>
 #include <platform/File.h>
 
 #include "zrhttp/CharacterSets.h"
@@ -29,7 +30,7 @@ public:
         m_getter.Close();
         m_getter.Disconnect(0);
         m_result.error = m_result.code == ZRHB_STOPPED ? "Stopped by an interrupt."
-                                                       : TextFromBytes(m_error.View());
+                                                       : TextFromBytes(ErrorText().View());
         return std::move(m_result);
     }
 
@@ -77,6 +78,14 @@ private:
         if (code == ZRHB_OK && saved.Open(m_options.save->c_str(), CFile::modeRead))
             m_result.length = saved.GetLength();
         return code;
+    }
+
+    // The getter names the URL as it was given; a password in it is not for a terminal or a file.
+    CString ErrorText() const {
+        CString text = m_error;
+        if (m_request.url.Find('@') >= 0)
+            text.Replace(m_request.url, platform::UrlForLog(m_request.url.View()));
+        return text;
     }
 
     // What only the browser knows, before it is let go.

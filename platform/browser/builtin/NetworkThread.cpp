@@ -1,6 +1,7 @@
 #include "browser/builtin/NetworkThread.h"
 
 #include <csignal>
+#include <set>
 
 #include "browser/builtin/FilePage.h"
 #include "browser/builtin/Limits.h"
@@ -25,6 +26,25 @@ std::string SystemCertificateDirectory() {
 
 } // namespace
 
+// Those of the calling thread's browsers. They end with their owner's thread at the latest: at the
+// end of the process the TLS library is taken down while a browser may still be there.
+class NetworkThread::RunningOnes {
+public:
+    static RunningOnes& OfThisThread() {
+        static thread_local RunningOnes current;
+        return current;
+    }
+    ~RunningOnes() {
+        for (NetworkThread* one : m_all)
+            one->End();
+    }
+    void Add(NetworkThread* one) { m_all.insert(one); }
+    void Remove(NetworkThread* one) { m_all.erase(one); }
+
+private:
+    std::set<NetworkThread*> m_all;
+};
+
 NetworkThread::NetworkThread(std::shared_ptr<Inbox> inbox, std::string certificateFile)
     : m_inbox(std::move(inbox)) {
     EnsureCurlIsReady();
@@ -36,14 +56,24 @@ NetworkThread::NetworkThread(std::shared_ptr<Inbox> inbox, std::string certifica
     curl_multi_setopt(m_multi.get(), CURLMOPT_MAX_HOST_CONNECTIONS, kMaxConnectionsPerHost);
     m_settings = {m_share.get(), std::move(certificateFile), SystemCertificateDirectory()};
     m_thread = std::thread([this] { Run(); });
+    RunningOnes::OfThisThread().Add(this);
 }
 
 NetworkThread::~NetworkThread() {
+    if (!m_thread.joinable()) return; // the owner's thread is ending, too
+    RunningOnes::OfThisThread().Remove(this);
+    End();
+}
+
+void NetworkThread::End() {
     Send(EndCommand{});
     m_thread.join();
     for (auto& [id, transfer] : m_transfers)
         curl_multi_remove_handle(m_multi.get(), transfer->Easy());
     m_transfers.clear();
+    m_idleHandles.clear();
+    m_share.reset();
+    m_multi.reset();
 }
 
 void NetworkThread::Start(FetchRequest request) {
@@ -61,7 +91,7 @@ void NetworkThread::Send(Command command) {
         const std::lock_guard lock(m_mutex);
         m_commands.push_back(std::move(command));
     }
-    curl_multi_wakeup(m_multi.get());
+    if (m_multi) curl_multi_wakeup(m_multi.get());
 }
 
 void NetworkThread::Run() {

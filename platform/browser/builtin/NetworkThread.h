@@ -52,6 +52,9 @@ private:
         void operator()(CURLSH* share) const { curl_share_cleanup(share); }
     };
 
+    class RunningOnes;
+
+    void End();
     void Send(Command command);
     void Run();
     bool HandleCommands();

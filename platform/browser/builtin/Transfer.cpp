@@ -102,6 +102,9 @@ void Transfer::SetUpRequest() {
                          static_cast<curl_off_t>(m_request.postData.size()));
         curl_easy_setopt(easy, CURLOPT_POSTFIELDS, m_request.postData.data());
         AddHeader("Expect:"); // no waiting for a 100
+        // On a kept connection that breaks off the library sends the data again, although the
+        // server may have acted on it (RFC 9110, 9.2.2).
+        curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
     }
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, m_headerList.get());
 }
@@ -133,6 +136,11 @@ bool Transfer::TakeHeaderLine(std::string_view line) {
     long status = 0;
     curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
     const bool isEnd = line == "\r\n" || line == "\n";
+    // No request asks for that, and no page would follow: it is not waited for.
+    if (isEnd && status == 101) {
+        m_failure = "the server switches to another protocol";
+        return false;
+    }
     // Interim replies and trailers have an end of their own.
     if (isEnd && status >= 200 && m_status == 0) TakeHead(status);
     return true;

@@ -62,6 +62,8 @@ TEST(Failure, BrokenReplies) {
         {"/garbage", "\x01\x02 this is no HTTP\r\n\r\n", "the reply is not HTTP"},
         {"/cut-status", "HTTP/1.1 20", "the server closed the connection without a reply"},
         {"/cut-head", head + "Content-Le", "the connection broke off in the head of the reply"},
+        {"/switch", "HTTP/1.1 101 Switching Protocols\r\nUpgrade: other\r\n\r\n<html>",
+         "the server switches to another protocol"},
         {"/no-body", head + "Content-Length: 10\r\n\r\n",
          "the connection broke off after 0 of 10 bytes"},
         {"/short", head + "Content-Length: 10\r\n\r\n1234567",

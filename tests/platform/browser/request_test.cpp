@@ -55,6 +55,20 @@ TEST_F(Request, ALargePostNeedsNoPermission) {
     EXPECT_EQ("(none)", Last(m_server, "/echo").Header("Expect"));
 }
 
+// On a kept connection that breaks off, the data would be sent twice.
+TEST_F(Request, PostDataGoesOverAConnectionOfItsOwn) {
+    const std::string reply = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
+    RawServer server;
+    const auto gate = std::make_shared<Gate>();
+    server.Set("/kept", reply, gate); // reads no further request
+    server.Set("/post", reply);
+    TestBrowser browser;
+    browser.Load(server.Url("/kept"));
+    browser.Load(server.Url("/post"), "a=1", "Content-Type: text/plain\r\n");
+    EXPECT_EQ("ok", browser.Source());
+    gate->Open();
+}
+
 TEST_F(Request, WithoutDataItIsAGet) {
     m_browser.Load(m_server.Url("/echo?q=1#part"));
     EXPECT_EQ("GET", Last(m_server, "/echo").method);
