@@ -75,10 +75,6 @@ int CString::Find(char ch, int nStart) const {
     return IndexOrMinusOne(m_text.find(ch, CutTo(m_text.size(), nStart)));
 }
 
-int CString::ReverseFind(char ch) const {
-    return IndexOrMinusOne(m_text.rfind(ch));
-}
-
 int CString::Replace(const char* pszOld, const char* pszNew) {
     const std::string_view oldText = ViewOf(pszOld);
     const std::string_view newText = ViewOf(pszNew);
@@ -97,10 +93,6 @@ int CString::Replace(const char* pszOld, const char* pszNew) {
     result.append(m_text, copied);
     m_text = std::move(result);
     return count;
-}
-
-void CString::TrimLeft(const char* pszTargets) {
-    m_text.erase(0, std::min(m_text.size(), m_text.find_first_not_of(ViewOf(pszTargets))));
 }
 
 void CString::TrimRight(const char* pszTargets) {

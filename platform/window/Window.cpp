@@ -75,19 +75,6 @@ BOOL IsWindowVisible(HWND hWnd) {
     return Ask<BOOL>(hWnd, FALSE, [](const WindowState& state) { return BOOL{state.isVisible}; });
 }
 
-BOOL IsWindowEnabled(HWND hWnd) {
-    return Ask<BOOL>(hWnd, FALSE, [](const WindowState& state) { return BOOL{state.isEnabled}; });
-}
-
-BOOL EnableWindow(HWND hWnd, BOOL bEnable) {
-    BOOL wasDisabled = FALSE;
-    WindowTable::Get().Visit(hWnd, [&](WindowState& state) {
-        wasDisabled = !state.isEnabled;
-        state.isEnabled = bEnable != FALSE;
-    });
-    return wasDisabled;
-}
-
 BOOL ShowWindow(HWND hWnd, int nCmdShow) {
     BOOL wasVisible = FALSE;
     WindowTable::Get().Visit(hWnd, [&](WindowState& state) {
@@ -98,11 +85,11 @@ BOOL ShowWindow(HWND hWnd, int nCmdShow) {
 }
 
 BOOL SetWindowTextA(HWND hWnd, const char* pszTitle) {
-    return WindowTable::Get().Visit(hWnd, [&](WindowState& state) { state.title = pszTitle; });
+    return WindowTable::Get().Visit(hWnd, [&](WindowState& state) { state.made.title = pszTitle; });
 }
 
 CString AfxGetWindowText(HWND hWnd) {
-    return Ask<CString>(hWnd, CString(), [](const WindowState& state) { return state.title; });
+    return Ask<CString>(hWnd, CString(), [](const WindowState& state) { return state.made.title; });
 }
 
 HWND FindWindowA(const char* pszClassName, const char* pszTitle) {

@@ -41,22 +41,12 @@ HWND WindowTable::Create(const WindowRequest& request) {
         SetLastError(parent ? ERROR_INVALID_WINDOW_HANDLE : ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    WindowState state{request.className,
-                      request.title,
-                      request.style,
-                      request.exStyle,
-                      request.x,
-                      request.y,
-                      request.width,
-                      request.height,
-                      false,
-                      true,
-                      parent,
-                      windowClass->second,
-                      queue,
-                      nullptr};
+    WindowState state;
+    state.made = request;
     state.isVisible = (request.style & WS_VISIBLE) != 0;
-    state.isEnabled = (request.style & WS_DISABLED) == 0;
+    state.parent = parent;
+    state.procedure = windowClass->second;
+    state.queue = queue;
     return Insert(std::move(state), parent == nullptr);
 }
 
@@ -64,7 +54,7 @@ HWND WindowTable::CreateMessageOnly(const char* className) {
     const auto queue = MessageQueue::OfThisThread();
     const std::lock_guard lock(m_mutex);
     WindowState state;
-    state.className = kMessageOnlyClass;
+    state.made.className = kMessageOnlyClass;
     state.procedure = m_classes.at(className);
     state.queue = queue;
     return Insert(std::move(state), false);
@@ -136,7 +126,7 @@ HWND WindowTable::Find(const char* className, const char* title) {
     const std::lock_guard lock(m_mutex);
     const auto found = std::find_if(m_order.begin(), m_order.end(), [&](HWND handle) {
         const WindowState& state = m_windows.at(handle);
-        return state.title == title && (!className || state.className == className);
+        return state.made.title == title && (!className || state.made.className == className);
     });
     return found == m_order.end() ? nullptr : *found;
 }

@@ -17,16 +17,8 @@ namespace platform {
 class MessageQueue;
 
 struct WindowState {
-    CString className;
-    CString title;
-    DWORD style = 0;
-    DWORD exStyle = 0;
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
+    WindowRequest made; // as it was created; the title follows its changes
     bool isVisible = false;
-    bool isEnabled = true;
     HWND parent = nullptr; // null for a top-level window
     WNDPROC procedure = nullptr;
     std::shared_ptr<MessageQueue> queue;

@@ -41,14 +41,11 @@ public:
     // at nStart, cut to the length.
     int Find(const char* pszSub, int nStart = 0) const;
     int Find(char ch, int nStart = 0) const;
-    // Index of the last occurrence, or -1.
-    int ReverseFind(char ch) const;
     // Replaces every occurrence, left to right, without looking at what was put in; returns how
     // many there were.
     int Replace(const char* pszOld, const char* pszNew);
 
-    // Without arguments: white space (blank, \t \n \v \f \r).
-    void TrimLeft(const char* pszTargets = " \t\n\v\f\r");
+    // Cuts these characters off the end. Without arguments: white space (blank, \t \n \v \f \r).
     void TrimRight(const char* pszTargets = " \t\n\v\f\r");
 
     // ASCII letters only.

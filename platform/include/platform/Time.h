@@ -23,7 +23,6 @@ public:
     explicit CTime(std::int64_t nSecondsSince1970) : m_seconds(nSecondsSince1970) {}
     // Now, by the installed clock (Clock.h).
     static CTime GetCurrentTime();
-    std::int64_t GetTime() const { return m_seconds; }
     // strftime formatting in UTC.
     CString FormatGmt(const char* pszFormat) const;
 

@@ -9,7 +9,6 @@
 using WNDPROC = LRESULT (*)(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 
 constexpr DWORD WS_VISIBLE = 0x10000000;
-constexpr DWORD WS_DISABLED = 0x08000000;
 constexpr DWORD WS_CHILD = 0x40000000;
 constexpr int SW_HIDE = 0;
 constexpr int SW_SHOW = 5;
@@ -53,9 +52,6 @@ LRESULT DefWindowProcA(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 
 BOOL IsWindow(HWND hWnd);
 BOOL IsWindowVisible(HWND hWnd);
-BOOL IsWindowEnabled(HWND hWnd);
-// Returns whether it was disabled before.
-BOOL EnableWindow(HWND hWnd, BOOL bEnable);
 // Returns whether the window was visible before.
 BOOL ShowWindow(HWND hWnd, int nCmdShow);
 BOOL SetWindowTextA(HWND hWnd, const char* pszTitle);
