@@ -44,6 +44,12 @@ bool EqualIniNames(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, FoldCase, FoldCase);
 }
 
+std::string FoldIniName(std::string_view name) {
+    std::string folded(name);
+    std::ranges::transform(folded, folded.begin(), FoldCase);
+    return folded;
+}
+
 std::string_view TrimIniBlanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) return {};
@@ -115,6 +121,20 @@ std::vector<std::string_view> IniDocument::SectionNames() const {
         if (const auto name = SectionName(line.text)) names.push_back(*name);
     }
     return names;
+}
+
+std::vector<IniEntry> IniDocument::Entries() const {
+    std::vector<IniEntry> entries;
+    std::size_t sections = 0;
+    for (std::size_t position = FirstLine(); position < m_text.size();) {
+        const Line line = LineAt(position);
+        position = line.next;
+        if (SectionName(line.text)) ++sections;
+        const auto entry = ParseEntry(line.text);
+        if (entry && sections > 0)
+            entries.push_back({sections - 1, entry->key, WithoutQuotes(entry->value)});
+    }
+    return entries;
 }
 
 // The line end that the file's first line has; a new file gets the host platform's.

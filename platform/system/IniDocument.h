@@ -18,6 +18,12 @@
 
 namespace platform {
 
+struct IniEntry {
+    std::size_t section; // index in SectionNames()
+    std::string_view key;
+    std::string_view value; // without its enclosing quotes
+};
+
 class IniDocument {
 public:
     explicit IniDocument(std::string text) : m_text(std::move(text)) {}
@@ -26,6 +32,8 @@ public:
     std::optional<std::string_view> Find(std::string_view section, std::string_view key) const;
     // Valid until the next change.
     std::vector<std::string_view> SectionNames() const;
+    // The entries of all sections, in the order of the file; valid until the next change.
+    std::vector<IniEntry> Entries() const;
     // Replaces the first entry of that key, or adds one at the end of the section, which is made at
     // the end of the file when there is none. No text may hold a line end.
     void Set(std::string_view section, std::string_view key, std::string_view value);
@@ -47,6 +55,8 @@ private:
 
 // ASCII letters without regard to case.
 bool EqualIniNames(std::string_view a, std::string_view b);
+// The form in which names that EqualIniNames takes for equal are the same.
+std::string FoldIniName(std::string_view name);
 // Without the blanks (space, tab, vertical tab, form feed) at both ends.
 std::string_view TrimIniBlanks(std::string_view text);
 

@@ -7,12 +7,14 @@
 #include <limits>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include <platform/Diagnostics.h>
 #include <platform/LastError.h>
 #include <platform/UserPaths.h>
 
 #include "system/IniDocument.h"
+#include "system/IniIndex.h"
 #include "system/WholeFile.h"
 
 namespace platform {
@@ -44,11 +46,44 @@ int ReadIniText(const CString& localName, std::string& text) {
     return error;
 }
 
-IniDocument ReadDocument(const char* fileName) {
+// Empty for a file that cannot be read.
+std::string TextOf(const char* fileName) {
     CString localName;
     std::string text;
     if (LocalFileName(fileName, localName)) ReadIniText(localName, text);
-    return IniDocument(std::move(text));
+    return text;
+}
+
+// The snapshot that this thread's reads of its file are answered from; null for none.
+thread_local const IniIndex* currentSnapshot = nullptr;
+
+const IniIndex* SnapshotOf(const char* fileName) {
+    const bool isOfFile = currentSnapshot && currentSnapshot->FileName() == fileName;
+    return isOfFile ? currentSnapshot : nullptr;
+}
+
+std::optional<std::string> ReadValue(const char* fileName, const char* section, const char* key) {
+    std::optional<std::string_view> value;
+    if (const IniIndex* snapshot = SnapshotOf(fileName)) {
+        value = snapshot->Find(section, key);
+        return value ? std::optional(std::string(*value)) : std::nullopt;
+    }
+    const IniDocument document(TextOf(fileName));
+    value = document.Find(section, key);
+    return value ? std::optional(std::string(*value)) : std::nullopt;
+}
+
+// Each with its NUL.
+std::string ReadSectionNames(const char* fileName) {
+    const auto joined = [](const std::vector<std::string_view>& names) {
+        std::string text;
+        for (const std::string_view name : names)
+            text.append(name).push_back('\0');
+        return text;
+    };
+    if (const IniIndex* snapshot = SnapshotOf(fileName)) return joined(snapshot->SectionNames());
+    const IniDocument document(TextOf(fileName));
+    return joined(document.SectionNames());
 }
 
 bool HasLineEnd(std::string_view text) {
@@ -112,21 +147,28 @@ DWORD CopyText(std::string_view text, char* buffer, DWORD size, DWORD reserved) 
 
 } // namespace
 
+IniSnapshot::IniSnapshot(const CString& strFileName)
+    : m_index(std::make_unique<const IniIndex>(strFileName.GetString(), TextOf(strFileName))),
+      m_outer(std::exchange(currentSnapshot, m_index.get())) {}
+
+IniSnapshot::~IniSnapshot() {
+    currentSnapshot = m_outer;
+}
+
 } // namespace platform
 
 UINT GetPrivateProfileIntA(const char* pszSection, const char* pszKey, int nDefault,
                            const char* pszFileName) {
-    const platform::IniDocument document = platform::ReadDocument(pszFileName);
-    const auto value = document.Find(pszSection, pszKey);
+    const auto value = platform::ReadValue(pszFileName, pszSection, pszKey);
     return value ? platform::LeadingNumber(*value) : static_cast<UINT>(nDefault);
 }
 
 DWORD GetPrivateProfileStringA(const char* pszSection, const char* pszKey, const char* pszDefault,
                                char* pszBuffer, DWORD nSize, const char* pszFileName) {
     if (nSize == 0) return 0;
-    const platform::IniDocument document = platform::ReadDocument(pszFileName);
-    const auto value = document.Find(pszSection, pszKey);
-    return platform::CopyText(value.value_or(pszDefault ? pszDefault : ""), pszBuffer, nSize, 1);
+    const auto value = platform::ReadValue(pszFileName, pszSection, pszKey);
+    const char* const fallback = pszDefault ? pszDefault : "";
+    return platform::CopyText(value ? *value : fallback, pszBuffer, nSize, 1);
 }
 
 DWORD GetPrivateProfileSectionNamesA(char* pszBuffer, DWORD nSize, const char* pszFileName) {
@@ -134,10 +176,7 @@ DWORD GetPrivateProfileSectionNamesA(char* pszBuffer, DWORD nSize, const char* p
         if (nSize == 1) pszBuffer[0] = '\0';
         return 0;
     }
-    const platform::IniDocument document = platform::ReadDocument(pszFileName);
-    std::string names;
-    for (const std::string_view name : document.SectionNames())
-        names.append(name).push_back('\0');
+    const std::string names = platform::ReadSectionNames(pszFileName);
     const bool fits = names.size() < nSize;
     return platform::CopyText(names, pszBuffer, nSize, fits ? 1 : 2);
 }

@@ -31,13 +31,20 @@ const char* NameOf(int button) {
     }
 }
 
+// A text's further lines may show what belongs in no log (what a form would have sent).
+CString FirstLine(const CString& strText) {
+    const int end = strText.Find('\n');
+    return end < 0 ? strText : strText.Left(end);
+}
+
 class UserPrompt : public Prompt {
 public:
     int Ask(const CString& strText, UINT nType) override {
         if (IsSomebodyThere()) return AskOnTerminal(std::cin, std::cerr, strText, nType);
         const int button = HarmlessButton(nType);
         CString strReport;
-        strReport.Format("Nobody to ask; answered %s to: %s", NameOf(button), strText.GetString());
+        strReport.Format("Nobody to ask; answered %s to: %s", NameOf(button),
+                         FirstLine(strText).GetString());
         ReportDiagnostic(Severity::trace, __FILE__, __LINE__, strReport);
         return button;
     }

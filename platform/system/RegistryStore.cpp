@@ -53,6 +53,16 @@ public:
                      [](SqliteDatabase&, RegistryKeyId) { return ERROR_SUCCESS; });
     }
 
+    DWORD ChildKeys(HKEY root, const CString& strKey, std::vector<CString>& names) override {
+        return OnKey(RegistryAccess::read, root, strKey,
+                     [&](SqliteDatabase& database, RegistryKeyId key) {
+                         for (const RegistryKeyRow& row : RegistryTree(database, key))
+                             if (row.parent == key)
+                                 names.push_back(AnsiFromUtf8(row.name));
+                         return ERROR_SUCCESS;
+                     });
+    }
+
     DWORD GetValue(HKEY root, const CString& strKey, const CString& strName,
                    RegistryValue& value) override {
         if (HasNul(strName)) return ERROR_INVALID_PARAMETER;

@@ -1,6 +1,7 @@
 #include <platform/LastError.h>
 #include <platform/Window.h>
 
+#include "window/ForeignWindow.h"
 #include "window/MessageQueue.h"
 #include "window/WindowTable.h"
 
@@ -76,12 +77,29 @@ BOOL IsWindowVisible(HWND hWnd) {
 }
 
 BOOL ShowWindow(HWND hWnd, int nCmdShow) {
+    const bool isVisible = nCmdShow != SW_HIDE;
     BOOL wasVisible = FALSE;
+    std::shared_ptr<platform::ForeignWindow> foreign;
     WindowTable::Get().Visit(hWnd, [&](WindowState& state) {
         wasVisible = state.isVisible;
-        state.isVisible = nCmdShow != SW_HIDE;
+        foreign = state.foreign;
+        if (!foreign) state.isVisible = isVisible;
     });
+    if (foreign) foreign->Show(isVisible);
     return wasVisible;
+}
+
+BOOL IsWindowEnabled(HWND hWnd) {
+    return Ask<BOOL>(hWnd, FALSE, [](const WindowState& state) { return BOOL{state.isEnabled}; });
+}
+
+BOOL EnableWindow(HWND hWnd, BOOL bEnable) {
+    BOOL wasDisabled = FALSE;
+    WindowTable::Get().Visit(hWnd, [&](WindowState& state) {
+        wasDisabled = !state.isEnabled;
+        state.isEnabled = bEnable != FALSE;
+    });
+    return wasDisabled;
 }
 
 BOOL SetWindowTextA(HWND hWnd, const char* pszTitle) {

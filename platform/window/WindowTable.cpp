@@ -4,6 +4,7 @@
 
 #include <platform/LastError.h>
 
+#include "window/ForeignWindow.h"
 #include "window/MessageQueue.h"
 
 namespace platform {
@@ -58,6 +59,19 @@ HWND WindowTable::CreateMessageOnly(const char* className) {
     state.procedure = m_classes.at(className);
     state.queue = queue;
     return Insert(std::move(state), false);
+}
+
+bool WindowTable::AddForeign(HWND handle, WindowState state) {
+    const std::lock_guard lock(m_mutex);
+    if (!m_windows.emplace(handle, std::move(state)).second) return false;
+    m_order.push_front(handle);
+    return true;
+}
+
+void WindowTable::RemoveForeign(HWND handle, const ForeignWindow& window) {
+    bool isSame = false;
+    Visit(handle, [&](WindowState& state) { isSame = state.foreign.get() == &window; });
+    if (isSame) Remove(handle);
 }
 
 std::vector<HWND> WindowTable::ChildrenOf(HWND hWnd) {
@@ -132,22 +146,35 @@ HWND WindowTable::Find(const char* className, const char* title) {
 }
 
 bool WindowTable::BringToTop(HWND hWnd) {
-    const std::lock_guard lock(m_mutex);
-    const auto found = std::find(m_order.begin(), m_order.end(), hWnd);
-    if (found != m_order.end()) m_order.splice(m_order.begin(), m_order, found);
-    return m_windows.contains(hWnd);
+    std::shared_ptr<ForeignWindow> foreign;
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto window = m_windows.find(hWnd);
+        if (window == m_windows.end()) return false;
+        const auto found = std::find(m_order.begin(), m_order.end(), hWnd);
+        if (found != m_order.end()) m_order.splice(m_order.begin(), m_order, found);
+        foreign = window->second.foreign;
+    }
+    if (foreign) foreign->Raise();
+    return true;
 }
 
 bool WindowTable::SetForeground(HWND hWnd) {
     if (!BringToTop(hWnd)) return false;
     const std::lock_guard lock(m_mutex);
-    m_foreground = hWnd;
+    if (m_windows.contains(hWnd)) m_foreground = hWnd;
     return true;
 }
 
 HWND WindowTable::GetForeground() {
     const std::lock_guard lock(m_mutex);
     return m_foreground;
+}
+
+void WindowTable::NoteActive(HWND hWnd, bool isActive) {
+    const std::lock_guard lock(m_mutex);
+    if (isActive && m_windows.contains(hWnd)) m_foreground = hWnd;
+    if (!isActive && m_foreground == hWnd) m_foreground = nullptr;
 }
 
 } // namespace platform

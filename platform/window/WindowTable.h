@@ -14,15 +14,21 @@
 
 namespace platform {
 
+class ForeignWindow;
 class MessageQueue;
+
+// The class of the windows of browser applications.
+constexpr const char* kBrowserWindowClass = "BrowserFrame";
 
 struct WindowState {
     WindowRequest made; // as it was created; the title follows its changes
     bool isVisible = false;
+    bool isEnabled = true;
     HWND parent = nullptr; // null for a top-level window
     WNDPROC procedure = nullptr;
     std::shared_ptr<MessageQueue> queue;
-    CComPtr<IUnknown> container; // of the control that the window hosts
+    CComPtr<IUnknown> container;            // of the control that the window hosts
+    std::shared_ptr<ForeignWindow> foreign; // null for a window of the table only
 };
 
 class WindowTable {
@@ -35,6 +41,11 @@ public:
     HWND Create(const WindowRequest& request);
     // Like Create, for a window that no search finds: it only receives messages.
     HWND CreateMessageOnly(const char* className);
+    // Enters a top-level window that lives elsewhere, with the given handle (below 0x20000000), in
+    // front of all others. False when the handle is in use.
+    bool AddForeign(HWND handle, WindowState state);
+    // Only when that window stands behind the handle.
+    void RemoveForeign(HWND handle, const ForeignWindow& window);
     bool Destroy(HWND hWnd);
     void DestroyWindowsOf(const MessageQueue& queue);
 
@@ -45,6 +56,8 @@ public:
     bool BringToTop(HWND hWnd);
     bool SetForeground(HWND hWnd);
     HWND GetForeground();
+    // A display reports that a window has become the active one, or stopped being it.
+    void NoteActive(HWND hWnd, bool isActive);
 
 private:
     HWND Insert(WindowState state, bool isInOrder);
@@ -56,7 +69,7 @@ private:
     std::map<HWND, WindowState> m_windows;
     std::list<HWND> m_order; // top-level windows, front-most first
     HWND m_foreground = nullptr;
-    std::uintptr_t m_nextHandle = 0x10010;
+    std::uintptr_t m_nextHandle = 0x20000010; // numbers of a display's windows are below
 };
 
 } // namespace platform

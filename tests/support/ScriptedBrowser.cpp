@@ -74,6 +74,8 @@ int ScriptedBrowser::Count(const std::string& call) const {
 
 HRESULT ScriptedBrowser::Called(const std::string& call) {
     calls.push_back(call);
+    if (const auto found = during.find(call); found != during.end())
+        std::function<void()>(found->second)();
     return failing.contains(call) ? E_FAIL : S_OK;
 }
 
@@ -103,8 +105,9 @@ HRESULT ScriptedBrowser::get_Busy(VARIANT_BOOL* pBusy) {
 
 HRESULT ScriptedBrowser::get_Document(IDispatch** ppDocument) {
     if (!document) return E_FAIL;
-    *ppDocument = CComPtr<IDispatch>(document).Detach();
-    return Called("get_Document");
+    const HRESULT hr = Called("get_Document");
+    if (SUCCEEDED(hr)) *ppDocument = CComPtr<IDispatch>(document).Detach();
+    return hr;
 }
 
 HRESULT ScriptedBrowser::get_Offline(VARIANT_BOOL* pOffline) {
@@ -123,6 +126,18 @@ HRESULT ScriptedBrowser::get_HWND(LONG_PTR* pWindow) {
     return Called("get_HWND");
 }
 
+HRESULT ScriptedBrowser::get_Application(IDispatch** ppApplication) {
+    if (failing.contains("get_Application")) return E_FAIL;
+    *ppApplication = CComPtr<IDispatch>(Dispatch()).Detach();
+    return S_OK;
+}
+
+HRESULT ScriptedBrowser::FindConnectionPoint(REFIID iid, IConnectionPoint** ppPoint) {
+    if (iid != DIID_DWebBrowserEvents2 || failing.contains("Events")) return CONNECT_E_NOCONNECTION;
+    *ppPoint = CComPtr<IConnectionPoint>(m_events).Detach();
+    return S_OK;
+}
+
 void* ScriptedBrowser::FindOther(REFIID iid) {
     return iid == IDispatch::Iid ? static_cast<IDispatch*>(this) : nullptr;
 }
@@ -132,5 +147,19 @@ ScriptedControl::ScriptedControl()
       m_registration(CLSID_WebBrowser, [browser = m_browser](REFIID iid, void** ppObject) {
           return browser->QueryInterface(iid, ppObject);
       }) {}
+
+ScriptedApplication::ScriptedApplication(std::size_t count)
+    : m_registration(CLSID_InternetExplorer, [this](REFIID iid, void** ppObject) {
+          if (m_created == m_browsers.size()) return E_FAIL;
+          return m_browsers[m_created++]->QueryInterface(iid, ppObject);
+      }) {
+    while (m_browsers.size() < count)
+        m_browsers.push_back(MakeObject<ScriptedBrowser>());
+}
+
+ULONG ScriptedApplication::References(std::size_t index) const {
+    m_browsers[index]->AddRef();
+    return m_browsers[index]->Release() - 1;
+}
 
 } // namespace test_support

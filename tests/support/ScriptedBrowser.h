@@ -2,11 +2,15 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 #include <platform/Browser.h>
+
+#include "browser/common/ConnectionPoint.h"
 
 namespace test_support {
 
@@ -36,7 +40,7 @@ struct BrowserMoment {
     bool isBusy = false;
 };
 
-class ScriptedBrowser final : public ComObject<IWebBrowser2> {
+class ScriptedBrowser final : public ComObject<IWebBrowser2, IConnectionPointContainer> {
 public:
     // What one look at the state finds; each get_Busy moves on to the next, the last stays.
     std::deque<BrowserMoment> moments{{}};
@@ -46,6 +50,9 @@ public:
     LONG_PTR window = 0;
     // Names of calls that fail, for example "get_Busy".
     std::set<std::string> failing;
+    std::string failureText; // what Invoke reports with a failing call
+    // What happens inside a call, by its name.
+    std::map<std::string, std::function<void()>> during;
 
     // What Navigate2 was given.
     struct Navigation {
@@ -61,6 +68,9 @@ public:
 
     void SetSource(const std::string& source);
     int Count(const std::string& call) const;
+    // Its events; raise them with the functions of browser/common/BrowserEvents.h.
+    platform::ConnectionPoint& Events() { return *m_events; }
+    IDispatch* Dispatch() { return static_cast<IWebBrowser2*>(this); }
 
     HRESULT Navigate2(VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*) override;
     HRESULT Stop() override { return Called("Stop"); }
@@ -76,15 +86,21 @@ public:
         return Called("put_Visible " + std::to_string(visible));
     }
     HRESULT get_HWND(LONG_PTR* pWindow) override;
-    HRESULT get_Application(IDispatch**) override { return E_NOTIMPL; }
+    HRESULT get_Application(IDispatch** ppApplication) override;
     HRESULT get_StatusText(BSTR*) override { return E_NOTIMPL; }
-    HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return DISP_E_MEMBERNOTFOUND;
-    }
+    // What a control's wrapper calls, by identifier.
+    HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override;
+    // "Events" among the failing calls: the browser has none to connect with.
+    HRESULT FindConnectionPoint(REFIID iid, IConnectionPoint** ppPoint) override;
 
 private:
     HRESULT Called(const std::string& call);
+    HRESULT InvokeNavigate(const DISPPARAMS& params);
+    HRESULT PutOffline(const DISPPARAMS& params);
+    HRESULT GetProperty(DISPID member, VARIANT& result);
     void* FindOther(REFIID iid) override;
+
+    const CComPtr<platform::ConnectionPoint> m_events = MakeObject<platform::ConnectionPoint>();
 };
 
 // While it lives, the browser control is this one scripted browser.
@@ -96,6 +112,23 @@ public:
 
 private:
     CComPtr<ScriptedBrowser> m_browser;
+    platform::ClassRegistration m_registration;
+};
+
+// While it lives, browser applications are these scripted browsers, in this order; then no more can
+// be had.
+class ScriptedApplication {
+public:
+    explicit ScriptedApplication(std::size_t count = 3);
+    ScriptedBrowser& operator[](std::size_t index) const { return *m_browsers[index]; }
+    // How many have been created.
+    std::size_t Created() const { return m_created; }
+    // References on a browser, beside the one held here.
+    ULONG References(std::size_t index) const;
+
+private:
+    std::vector<CComPtr<ScriptedBrowser>> m_browsers;
+    std::size_t m_created = 0;
     platform::ClassRegistration m_registration;
 };
 

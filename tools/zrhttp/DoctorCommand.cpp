@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <filesystem>
 #include <unistd.h>
 
@@ -8,6 +7,7 @@
 #include <platform/Settings.h>
 #include <platform/UserPaths.h>
 
+#include "zrhttp/BrowserCheck.h"
 #include "zrhttp/Commands.h"
 #include "zrhttp/Diagnosis.h"
 #include "zrhttp/ExitStatus.h"
@@ -31,10 +31,12 @@ void CheckSettings(Diagnosis& diagnosis) {
     diagnosis.Section("Settings");
     for (const platform::Setting& setting : platform::AllSettings())
         diagnosis.Fact(Text(setting.name), Text(setting.value), Text(setting.source));
-    const std::string control = Text(platform::GetSetting("ZRHTTP_CONTROL").value);
-    if (control != "builtin")
-        diagnosis.Problem("ZRHTTP_CONTROL is '" + control + "'",
-                          "This build has the engine builtin only; unset it.");
+    for (const char* name : {"ZRHTTP_CONTROL", "ZRHTTP_APPLICATION"}) {
+        const std::string engine = Text(platform::GetSetting(name).value);
+        if (engine != "builtin" && engine != "chromium")
+            diagnosis.Problem(std::string(name) + " is '" + engine + "'",
+                              "Set it to builtin or chromium, or unset it.");
+    }
 }
 
 // The directory itself or, while it does not exist, the nearest one above that does.
@@ -118,9 +120,6 @@ void ShowSurroundings(Diagnosis& diagnosis) {
         Text(platform::DataDirectory()) + "/group2/module15/ZrMwMApiWrapper.dll";
     diagnosis.Fact("protected-mode query", wrapper,
                    CanRead(wrapper) ? "found" : "not there: the answer is always no");
-    const char* display = std::getenv("DISPLAY");
-    diagnosis.Fact("display", display ? display : "",
-                   display && *display ? "" : "none: windows are not shown");
 }
 
 Diagnosis Examine() {
@@ -129,6 +128,7 @@ Diagnosis Examine() {
     CheckDirectories(diagnosis);
     CheckRegistry(diagnosis);
     CheckCertificates(diagnosis);
+    CheckBrowser(diagnosis);
     ShowSurroundings(diagnosis);
     return diagnosis;
 }

@@ -27,15 +27,25 @@ const CLI::Validator kMilliseconds(
     "");
 
 void DeclareRequest(CLI::App& command, FetchOptions& options) {
-    command.add_option("URL", options.url, "The page to load")->required();
-    command.add_option("--via", options.via, "Where the browser lives: control (in this process)")
+    command
+        .add_option("URL", options.url,
+                    "The page to load; with --via application, SIM: "
+                    "before it asks for a simulated answer, SAVE: for "
+                    "a recording")
+        ->required();
+    command
+        .add_option("--via", options.via,
+                    "Where the browser lives: control (in this program), hidden (the same in a "
+                    "window that never shows), application (a browser of its own)")
         ->type_name("NAME")
         ->check(CLI::IsMember({"control", "hidden", "application"}))
         ->capture_default_str();
-    command.add_option("--engine", options.engine, "Which browser: builtin")
+    command
+        .add_option("--engine", options.engine,
+                    "Which browser: builtin (no scripts) or chromium; default: the setting "
+                    "ZRHTTP_CONTROL or, for an application, ZRHTTP_APPLICATION")
         ->type_name("NAME")
-        ->check(CLI::IsMember({"builtin", "chromium"}))
-        ->capture_default_str();
+        ->check(CLI::IsMember({"builtin", "chromium"}));
     auto* post = command.add_option("--post", options.post,
                                     "Send a POST request with TEXT, in code page 1252");
     command
@@ -79,18 +89,30 @@ void DeclareResult(CLI::App& command, FetchOptions& options) {
     auto* save =
         command.add_option("--save", options.save, "Save the page as text with CR LF line ends");
     auto* collect = command.add_flag("--collect", options.collect,
-                                     "Print the frames' pages too, the page itself last");
+                                     "Print every page that completes, frames first; from an "
+                                     "application until --idle-timeout is over");
     command.add_flag("--json", options.json, "Print a JSON object instead of the page");
     output->type_name("FILE");
     save->type_name("FILE")->excludes(output)->excludes(collect);
     collect->excludes(output);
 }
 
+void CheckTraffic(const FetchOptions& options) {
+    const Traffic traffic = TrafficOf(options.url);
+    if (!traffic.isSimulated && !traffic.isRecorded) return;
+    if (options.via != "application")
+        throw UsageError("URL: the prefixes SIM: and SAVE: need --via application");
+    if (traffic.isRecorded && options.collect)
+        throw UsageError("--collect: collected pages are not recorded, remove SAVE: or --collect");
+}
+
 void CheckCombination(const FetchOptions& options) {
-    if (options.via != "control")
-        throw UsageError("--via " + options.via + ": not available in this build");
-    if (options.engine != "builtin")
-        throw UsageError("--engine " + options.engine + ": not available in this build");
+    if (options.via == "hidden" && (options.visible || options.collect))
+        throw UsageError(std::string(options.visible ? "--visible" : "--collect") +
+                         ": not possible with --via hidden");
+    CheckTraffic(options);
+    if (options.collect && options.via == "application" && options.idleTimeout == 0)
+        throw UsageError("--collect: needs an --idle-timeout to end with --via application");
     if (!options.headers.empty() && !options.post && !options.postFile)
         throw UsageError("--header: sent with --post or --post-file only");
     if (options.save && !options.titles.empty())

@@ -11,7 +11,7 @@ namespace zrhttp {
 struct FetchOptions {
     std::string url;
     std::string via = "control";
-    std::string engine = "builtin";
+    std::string engine; // empty: as the settings say
     std::optional<std::string> post;
     std::optional<std::string> postFile;
     std::vector<std::string> headers;

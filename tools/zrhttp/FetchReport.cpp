@@ -1,5 +1,6 @@
 #include "zrhttp/FetchReport.h"
 
+#include <ZrHbResultCodes.h>
 #include <nlohmann/json.hpp>
 
 #include "zrhttp/CharacterSets.h"
@@ -46,6 +47,7 @@ void PrintFailure(const FetchResult& result) {
     for (const std::string& part : {result.error, result.status})
         if (!part.empty()) text += ": " + part;
     PrintError(text);
+    if (result.code == ZRHB_CONNECT_FAILED) PrintNote("zrhttp doctor tells what is missing.");
 }
 
 void WriteResult(const FetchOptions& options, const FetchResult& result) {

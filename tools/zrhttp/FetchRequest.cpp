@@ -80,6 +80,13 @@ CString CheckedContentType(const std::string& type) {
 
 } // namespace
 
+Traffic TrafficOf(std::string_view url) {
+    constexpr std::string_view kSimulate = "SIM:";
+    const bool isSimulated = url.starts_with(kSimulate);
+    if (isSimulated) url.remove_prefix(kSimulate.size());
+    return {isSimulated, url.starts_with("SAVE:")};
+}
+
 FetchRequest MakeFetchRequest(const FetchOptions& options) {
     FetchRequest request;
     request.url = CheckedUrl(options.url);

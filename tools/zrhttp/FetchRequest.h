@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <platform/String.h>
 
@@ -17,6 +18,13 @@ struct FetchRequest {
     CString contentType;
     CStringArray titles;
 };
+
+// What the prefixes before a URL ask for.
+struct Traffic {
+    bool isSimulated; // SIM:
+    bool isRecorded;  // SAVE:, also behind SIM:
+};
+Traffic TrafficOf(std::string_view url);
 
 // Reads the body and checks every argument. Throws UsageError.
 FetchRequest MakeFetchRequest(const FetchOptions& options);

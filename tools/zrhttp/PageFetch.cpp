@@ -1,11 +1,13 @@
 #include "zrhttp/PageFetch.h"
 
+#include <cstdlib>
 #include <optional>
 
 #include <ZrHbUHttpGet.h>
 #include <platform/CodePage.h>
 #include <platform/Diagnostics.h>
 #include <platform/File.h>
+#include <platform/Window.h>
 
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/Interrupt.h"
@@ -36,16 +38,37 @@ public:
 
 private:
     DWORD Load() {
-        DWORD code = m_getter.ConnectV3(nullptr, m_error, CZrHbUHttpGet::eVisible,
-                                        CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "zrhttp",
-                                        CString(), 0, 1);
+        DWORD code = Connect();
         if (code != ZRHB_OK) return code;
-        if (m_options.collect) m_collector.emplace(m_getter.Get_IWebBrowser2_ptr());
+        if (m_options.collect && !m_isApplication)
+            m_collector.emplace(m_getter.Get_IWebBrowser2_ptr());
         if (m_options.visible) m_getter.PutVisible(TRUE);
         if (m_options.contentType) m_getter.DoNextOpenForSpecialContentType(m_request.contentType);
         code = Open();
         if (code != ZRHB_OK) return code;
-        return m_options.save ? ReadAndSave() : Read();
+        if (m_options.save) return ReadAndSave();
+        if (m_options.collect && m_isApplication) return Collect();
+        // A recording is made of pages that are read as text.
+        return TrafficOf(m_options.url).isRecorded ? Read(CString())
+                                                   : Read(CByteBuffer(65536, 65536));
+    }
+
+    DWORD Connect() {
+        ChooseEngine();
+        const auto variant =
+            m_options.via == "hidden" ? CZrHbUHttpGet::eInvisible : CZrHbUHttpGet::eVisible;
+        // What never shows needs a window to belong to.
+        return m_getter.ConnectV3(GetDesktopWindow(), m_error, variant,
+                                  CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "zrhttp",
+                                  CString(), 0, m_isApplication ? 0 : 1);
+    }
+
+    void ChooseEngine() const {
+        if (!m_options.engine.empty())
+            setenv(m_isApplication ? "ZRHTTP_APPLICATION" : "ZRHTTP_CONTROL",
+                   m_options.engine.c_str(), 1);
+        // Newer systems decide by the server where its pages open; here the person has.
+        if (m_isApplication) setenv("ZRHTTP_LEGACY_SYSTEM", "1", 1);
     }
 
     DWORD Open() {
@@ -57,17 +80,38 @@ private:
                              m_request.headers, keepOpen);
     }
 
-    DWORD Read() {
-        CByteBuffer page(65536, 65536);
+    template <class TPage>
+    DWORD Read(TPage page) {
         CString url;
         const DWORD code =
             m_getter.BusyRead2(page, m_error, url, &m_request.titles, m_options.timeout,
                                m_options.largeData, m_options.idleTimeout, OnWaiting, this);
         m_result.url = TextFromBytes(url.View());
         if (code != ZRHB_OK) return code;
-        m_result.page.assign(page.GetData(), page.GetData() + page.GetSize());
+        m_result.page = BytesOf(page);
         m_result.length = m_result.page.size();
         return code;
+    }
+
+    // The application hands out its pages one by one; being idle after them is the end of them.
+    DWORD Collect() {
+        CStringArray pages;
+        CStringArray urls;
+        const DWORD code =
+            m_getter.BusyRead2(pages, m_error, urls, &m_request.titles, m_options.timeout,
+                               m_options.largeData, m_options.idleTimeout, OnWaiting, this);
+        for (int i = 0; i < pages.GetSize(); ++i)
+            m_result.pages.push_back({TextFromBytes(urls[i].View()), BytesOf(pages[i])});
+        if (code != ZRHB_IDLE_TIMEOUT || pages.GetSize() == 0) return code;
+        m_error.Empty();
+        m_result.url = m_result.pages.back().url;
+        m_result.length = m_result.pages.back().source.size();
+        return ZRHB_OK;
+    }
+
+    static std::string BytesOf(const CString& page) { return std::string(page.View()); }
+    static std::string BytesOf(const CByteBuffer& page) {
+        return std::string(page.GetData(), page.GetData() + page.GetSize());
     }
 
     DWORD ReadAndSave() {
@@ -113,6 +157,7 @@ private:
     Progress m_progress;
     CZrHbUHttpGet m_getter{eAppGroup_2};
     std::optional<PageCollector> m_collector;
+    const bool m_isApplication = m_options.via == "application";
     CString m_error;
     FetchResult m_result;
 };

@@ -8,24 +8,6 @@
 
 namespace platform {
 
-namespace {
-
-void NavigateWith(IWebBrowser2& window, const NavigationRequest& request) {
-    COleVariant url;
-    url.vt = VT_BSTR;
-    url.bstrVal =
-        SysAllocStringLen(request.givenUrl.data(), static_cast<UINT>(request.givenUrl.size()));
-    COleVariant flags(request.flags & ~navOpenInNewWindow);
-    COleVariant frameName;
-    COleSafeArray postData;
-    if (!request.body.empty())
-        postData.CreateOneDim(VT_UI1, static_cast<DWORD>(request.body.size()), request.body.data());
-    COleVariant headers{CString(request.headerBlock)};
-    window.Navigate2(&url, &flags, &frameName, &postData, &headers);
-}
-
-} // namespace
-
 BuiltinBrowser::~BuiltinBrowser() {
     StopLoading();
     EndEngine();

@@ -3,13 +3,9 @@
 
 #include <string>
 
-#include "browser/builtin/ReplyBody.h"
+#include "browser/common/ReplyBody.h"
 
 namespace platform {
-
-// The file that a file URL names, drive paths mapped to the user's drive; false with the reason
-// when it leads outside or is malformed.
-bool FileNameOfUrl(const std::string& url, std::string& fileName, std::string& error);
 
 // Reads the whole file; false with the reason.
 bool ReadFilePage(const std::string& fileName, ReplyBody& body, std::string& error);

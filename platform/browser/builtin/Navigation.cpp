@@ -6,7 +6,7 @@
 
 #include "browser/builtin/BuiltinBrowser.h"
 #include "browser/builtin/Limits.h"
-#include "browser/builtin/PageDocument.h"
+#include "browser/common/PageDocument.h"
 #include "browser/common/BrowserEvents.h"
 
 namespace platform {

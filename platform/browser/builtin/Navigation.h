@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "browser/builtin/FrameBrowser.h"
+#include "browser/common/FrameBrowser.h"
 #include "browser/builtin/NetworkMessages.h"
 
 namespace platform {

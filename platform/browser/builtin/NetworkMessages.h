@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "browser/builtin/HtmlScan.h"
-#include "browser/builtin/ReplyBody.h"
+#include "browser/common/ReplyBody.h"
 #include "browser/common/HeaderBlock.h"
 #include "browser/common/PageType.h"
 

@@ -4,6 +4,7 @@
 
 #include "browser/builtin/FailureText.h"
 #include "browser/builtin/Limits.h"
+#include "browser/common/PageType.h"
 #include "browser/common/PageUrl.h"
 
 namespace platform {
@@ -11,22 +12,6 @@ namespace {
 
 constexpr const char* kUserAgent = "Mozilla/5.0 (compatible; ZrHttpBase3 builtin)";
 constexpr long kReceiveBufferBytes = 64 * 1024;
-
-std::string LowerAscii(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char ch) {
-        return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
-    });
-    return lower;
-}
-
-// The value in front of its parameters, in lower case.
-std::string WithoutParameters(std::string_view value) {
-    value = value.substr(0, value.find(';'));
-    while (value.ends_with(' ') || value.ends_with('\t'))
-        value.remove_suffix(1);
-    return LowerAscii(value);
-}
 
 bool IsRedirect(long status) {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;

@@ -54,6 +54,13 @@ HRESULT BrowserObject::PutProperty(DISPID member, const VARIANT& value) {
     return member == DISPID_WB_VISIBLE ? put_Visible(value.boolVal) : put_Offline(value.boolVal);
 }
 
+// For callers by identifier a failure is an exception. That there is no document is none: they are
+// told by null.
+HRESULT BrowserObject::DispatchDocument(IDispatch*& document) {
+    const HRESULT hr = get_Document(&document);
+    return hr == E_FAIL && !m_document ? S_OK : hr;
+}
+
 HRESULT BrowserObject::GetProperty(DISPID member, VARIANT& result) {
     const auto as = [&result](VARTYPE type, HRESULT hr) {
         if (SUCCEEDED(hr)) result.vt = type;
@@ -70,7 +77,7 @@ HRESULT BrowserObject::GetProperty(DISPID member, VARIANT& result) {
     case DISPID_WB_OFFLINE:
         return as(VT_BOOL, get_Offline(&result.boolVal));
     case DISPID_WB_DOCUMENT:
-        return as(VT_DISPATCH, get_Document(&result.pdispVal));
+        return as(VT_DISPATCH, DispatchDocument(result.pdispVal));
     case DISPID_WB_APPLICATION:
         return as(VT_DISPATCH, get_Application(&result.pdispVal));
     case DISPID_WB_LOCATIONURL:

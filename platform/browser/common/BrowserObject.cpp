@@ -13,10 +13,10 @@ VARIANT_BOOL VariantBool(bool value) {
 
 // What every property answers: `value()` while the browser lives, an empty value afterwards.
 template <class T, class TValue>
-HRESULT Answer(bool hasQuit, T* pResult, TValue value) {
+HRESULT Answer(bool isGone, T* pResult, TValue value) {
     if (!pResult) return E_POINTER;
     *pResult = T{};
-    if (hasQuit) return RPC_E_DISCONNECTED;
+    if (isGone) return RPC_E_DISCONNECTED;
     *pResult = value();
     return S_OK;
 }
@@ -44,7 +44,7 @@ void* BrowserObject::FindOther(REFIID iid) {
 
 HRESULT BrowserObject::Navigate2(VARIANT* URL, VARIANT* Flags, VARIANT*, VARIANT* PostData,
                                  VARIANT* Headers) {
-    if (m_hasQuit) return RPC_E_DISCONNECTED;
+    if (IsGone()) return RPC_E_DISCONNECTED;
     std::string error;
     auto request = ParseNavigation(URL, Flags, PostData, Headers, error);
     if (!request) {
@@ -63,7 +63,7 @@ HRESULT BrowserObject::Navigate2(VARIANT* URL, VARIANT* Flags, VARIANT*, VARIANT
 }
 
 HRESULT BrowserObject::Stop() {
-    if (m_hasQuit) return RPC_E_DISCONNECTED;
+    if (IsGone()) return RPC_E_DISCONNECTED;
     StopLoading();
     m_isBusy = false;
     return S_OK;
@@ -74,70 +74,89 @@ HRESULT BrowserObject::Quit() {
     StopLoading();
     m_isBusy = false;
     m_hasQuit = true;
-    // The event outlives the caller's reference, which is often released right behind this call.
-    if (m_events->HasSinks())
-        m_link->Post([keep = CComPtr<BrowserObject>(this)](BrowserObject& self) {
-            RaiseOnQuit(self.Events());
-        });
+    RaiseQuit();
     EndEngine();
     m_document.Release();
     return S_OK;
 }
 
+// The event outlives the caller's reference, which is often released right behind a call of Quit.
+void BrowserObject::RaiseQuit() {
+    if (m_events->HasSinks())
+        m_link->Post([keep = CComPtr<BrowserObject>(this)](BrowserObject& self) {
+            RaiseOnQuit(self.Events());
+        });
+}
+
+void BrowserObject::NoteGone() {
+    if (m_hasQuit) return;
+    m_isBusy = false;
+    m_hasQuit = true;
+    m_document.Release();
+    RaiseQuit();
+}
+
 HRESULT BrowserObject::get_ReadyState(READYSTATE* pState) {
-    return Answer(m_hasQuit, pState, [this] { return m_readyState; });
+    return Answer(IsGone(), pState, [this] { return m_readyState; });
 }
 
 HRESULT BrowserObject::get_Busy(VARIANT_BOOL* pBusy) {
-    return Answer(m_hasQuit, pBusy, [this] { return VariantBool(m_isBusy); });
+    return Answer(IsGone(), pBusy, [this] { return VariantBool(m_isBusy); });
 }
 
 HRESULT BrowserObject::get_Document(IDispatch** ppDocument) {
     const HRESULT hr =
-        Answer(m_hasQuit, ppDocument, [this] { return CComPtr<IDispatch>(m_document).Detach(); });
+        Answer(IsGone(), ppDocument, [this] { return CComPtr<IDispatch>(m_document).Detach(); });
     return SUCCEEDED(hr) && !m_document ? E_FAIL : hr;
 }
 
 HRESULT BrowserObject::get_Offline(VARIANT_BOOL* pOffline) {
-    return Answer(m_hasQuit, pOffline, [this] { return VariantBool(m_isOffline); });
+    return Answer(IsGone(), pOffline, [this] { return VariantBool(m_isOffline); });
 }
 
 HRESULT BrowserObject::put_Offline(VARIANT_BOOL offline) {
-    if (m_hasQuit) return RPC_E_DISCONNECTED;
+    if (IsGone()) return RPC_E_DISCONNECTED;
     m_isOffline = offline != VARIANT_FALSE;
+    SetEngineOffline(m_isOffline);
     return S_OK;
 }
 
 HRESULT BrowserObject::get_LocationURL(BSTR* pUrl) {
-    return Answer(m_hasQuit, pUrl, [this] { return CComBSTR(m_location).Detach(); });
+    return Answer(IsGone(), pUrl, [this] { return CComBSTR(m_location).Detach(); });
 }
 
 HRESULT BrowserObject::get_Visible(VARIANT_BOOL* pVisible) {
-    return Answer(m_hasQuit, pVisible, [this] { return VariantBool(m_isVisible); });
+    return Answer(IsGone(), pVisible, [this] { return VariantBool(m_isVisible); });
 }
 
 HRESULT BrowserObject::put_Visible(VARIANT_BOOL visible) {
-    if (m_hasQuit) return RPC_E_DISCONNECTED;
+    if (IsGone()) return RPC_E_DISCONNECTED;
     const bool isVisible = visible != VARIANT_FALSE;
     if (isVisible == m_isVisible) return S_OK;
+    ShowWindow(isVisible);
+    NoteVisible(isVisible);
+    return S_OK;
+}
+
+void BrowserObject::NoteVisible(bool isVisible) {
+    if (isVisible == m_isVisible) return;
     m_isVisible = isVisible;
     if (m_events->HasSinks())
         m_link->Post(
             [isVisible](BrowserObject& self) { RaiseOnVisible(self.Events(), isVisible); });
-    return S_OK;
 }
 
 HRESULT BrowserObject::get_HWND(LONG_PTR* pWindow) {
-    return Answer(m_hasQuit, pWindow, [this] { return reinterpret_cast<LONG_PTR>(m_hostWindow); });
+    return Answer(IsGone(), pWindow, [this] { return reinterpret_cast<LONG_PTR>(Window()); });
 }
 
 HRESULT BrowserObject::get_Application(IDispatch** ppApplication) {
-    return Answer(m_hasQuit, ppApplication,
+    return Answer(IsGone(), ppApplication,
                   [this] { return CComPtr<IDispatch>(Dispatch()).Detach(); });
 }
 
 HRESULT BrowserObject::get_StatusText(BSTR* pText) {
-    return Answer(m_hasQuit, pText, [this] { return CComBSTR(m_statusText).Detach(); });
+    return Answer(IsGone(), pText, [this] { return CComBSTR(m_statusText).Detach(); });
 }
 
 HRESULT BrowserObject::FindConnectionPoint(REFIID iid, IConnectionPoint** ppPoint) {

@@ -46,12 +46,17 @@ public:
     const std::shared_ptr<OwnerLink>& Link() { return m_link; }
     bool IsOffline() const { return m_isOffline; }
     bool HasQuit() const { return m_hasQuit; }
+    bool IsVisible() const { return m_isVisible; }
     READYSTATE ReadyState() const { return m_readyState; }
     void SetReadyState(READYSTATE state) { m_readyState = state; }
     void SetBusy(bool isBusy) { m_isBusy = isBusy; }
     void SetDocument(CComPtr<IDispatch> document) { m_document = std::move(document); }
     void SetLocation(const std::string& url) { m_location = url; }
     void SetStatusText(const std::string& text) { m_statusText = text; }
+    // The window has become visible, or not, whoever wanted it: tells the sinks.
+    void NoteVisible(bool isVisible);
+    // The browser has gone away by itself: as after Quit, without asking the engine for anything.
+    void NoteGone();
 
 protected:
     ~BrowserObject() override;
@@ -64,10 +69,20 @@ protected:
     virtual void StopLoading() = 0;
     // After StopLoading, once: ends helpers. Later calls on the object answer RPC_E_DISCONNECTED.
     virtual void EndEngine() = 0;
+    // False once a browser of its own process has died: every call answers RPC_E_DISCONNECTED.
+    virtual bool IsEngineAlive() const { return true; }
+    virtual void ShowWindow(bool /*isVisible*/) {}
+    virtual void SetEngineOffline(bool /*isOffline*/) {}
+    // The window that shows the pages; the host's for a control.
+    virtual HWND Window() const { return m_hostWindow; }
+
+    void* FindOther(REFIID iid) override;
 
 private:
-    void* FindOther(REFIID iid) override;
+    bool IsGone() const { return m_hasQuit || !IsEngineAlive(); }
+    void RaiseQuit();
     HRESULT InvokeMethod(DISPID member, DISPPARAMS& params);
+    HRESULT DispatchDocument(IDispatch*& document);
     HRESULT GetProperty(DISPID member, VARIANT& result);
     HRESULT PutProperty(DISPID member, const VARIANT& value);
     HRESULT InvokeNavigate(DISPPARAMS& params);

@@ -73,4 +73,18 @@ std::optional<NavigationRequest> ParseNavigation(const VARIANT* pUrl, const VARI
     return request;
 }
 
+HRESULT NavigateWith(IWebBrowser2& browser, const NavigationRequest& request) {
+    COleVariant url;
+    url.vt = VT_BSTR;
+    url.bstrVal =
+        SysAllocStringLen(request.givenUrl.data(), static_cast<UINT>(request.givenUrl.size()));
+    COleVariant flags(request.flags & ~navOpenInNewWindow);
+    COleVariant frameName;
+    COleSafeArray postData;
+    if (!request.body.empty())
+        postData.CreateOneDim(VT_UI1, static_cast<DWORD>(request.body.size()), request.body.data());
+    COleVariant headers{CString(request.headerBlock)};
+    return browser.Navigate2(&url, &flags, &frameName, &postData, &headers);
+}
+
 } // namespace platform

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <platform/Variant.h>
+#include <platform/Browser.h>
 
 #include "browser/common/HeaderBlock.h"
 #include "browser/common/PageUrl.h"
@@ -26,6 +26,9 @@ struct NavigationRequest {
 std::optional<NavigationRequest> ParseNavigation(const VARIANT* pUrl, const VARIANT* pFlags,
                                                  const VARIANT* pPostData, const VARIANT* pHeaders,
                                                  std::string& error);
+
+// Hands the request on to another browser, which opens it in its own window.
+HRESULT NavigateWith(IWebBrowser2& browser, const NavigationRequest& request);
 
 // The value itself, or the one that a VT_BYREF|VT_VARIANT points to.
 const VARIANT* Dereference(const VARIANT* pValue);

@@ -27,9 +27,11 @@ bool IsMimeType(std::string_view type) {
            IsToken(type.substr(slash + 1));
 }
 
+constexpr const char* kDatabaseKey = "MIME\\Database\\Content Type";
+
 std::optional<std::string> ExtensionOf(const std::string& type) {
     RegistryValue value;
-    const CString key("MIME\\Database\\Content Type\\" + type);
+    const CString key(std::string(kDatabaseKey) + "\\" + type);
     if (Current<RegistryStore>().GetValue(HKEY_CLASSES_ROOT, key, "Extension", value) !=
         ERROR_SUCCESS)
         return std::nullopt;
@@ -51,6 +53,28 @@ std::string ReasonNotShown(const ReplyType& reply) {
         return reply.isAttachment ? "an attachment is not shown as a page" : "";
     if (IsSubstitutedByText(reply.type)) return {};
     return (IsMimeType(reply.type) ? reply.type : "an unknown type") + " is not shown as a page";
+}
+
+std::string WithoutParameters(std::string_view value) {
+    value = value.substr(0, value.find(';'));
+    while (value.ends_with(' ') || value.ends_with('\t'))
+        value.remove_suffix(1);
+    std::string type(value);
+    std::transform(type.begin(), type.end(), type.begin(), [](char ch) {
+        return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
+    });
+    return type;
+}
+
+std::vector<std::string> SubstitutedTypes() {
+    std::vector<CString> names;
+    Current<RegistryStore>().ChildKeys(HKEY_CLASSES_ROOT, kDatabaseKey, names);
+    std::vector<std::string> types;
+    for (const CString& name : names) {
+        std::string type = WithoutParameters(name.GetString());
+        if (!IsPageType(type) && IsSubstitutedByText(type)) types.push_back(std::move(type));
+    }
+    return types;
 }
 
 bool IsPageType(const std::string& type) {

@@ -3,6 +3,8 @@
 // Paths may be drive paths. A missing or unreadable file has no sections.
 #pragma once
 
+#include <memory>
+
 #include <platform/String.h>
 
 // The leading decimal number of the entry (with an optional "-"), 0 when it does not begin with
@@ -24,3 +26,24 @@ DWORD GetPrivateProfileSectionNamesA(char* pszBuffer, DWORD nSize, const char* p
 // value removes the key. FALSE on failure, with GetLastError(); the old file then stands.
 BOOL WritePrivateProfileStringA(const char* pszSection, const char* pszKey, const char* pszValue,
                                 const char* pszFileName);
+
+namespace platform {
+
+class IniIndex;
+
+// While it lives, what its thread reads from this file is what the file held when it was made.
+// Many reads of one file then take one look at it, and agree with each other. Not to be made for a
+// file that the thread writes meanwhile.
+class IniSnapshot {
+public:
+    explicit IniSnapshot(const CString& strFileName);
+    ~IniSnapshot();
+    IniSnapshot(const IniSnapshot&) = delete;
+    IniSnapshot& operator=(const IniSnapshot&) = delete;
+
+private:
+    std::unique_ptr<const IniIndex> m_index;
+    const IniIndex* m_outer;
+};
+
+} // namespace platform

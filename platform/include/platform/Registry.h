@@ -37,6 +37,8 @@ public:
     static RegistryStore& Real();
 
     virtual DWORD KeyExists(HKEY root, const CString& strKey) = 0;
+    // The names of the keys directly below, in no particular order.
+    virtual DWORD ChildKeys(HKEY root, const CString& strKey, std::vector<CString>& names) = 0;
     virtual DWORD GetValue(HKEY root, const CString& strKey, const CString& strName,
                            RegistryValue& value) = 0;
     // Creates the key and the keys above it.

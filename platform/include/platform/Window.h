@@ -54,6 +54,10 @@ BOOL IsWindow(HWND hWnd);
 BOOL IsWindowVisible(HWND hWnd);
 // Returns whether the window was visible before.
 BOOL ShowWindow(HWND hWnd, int nCmdShow);
+// A disabled window takes no input; windows start enabled.
+BOOL IsWindowEnabled(HWND hWnd);
+// Returns whether the window was disabled before.
+BOOL EnableWindow(HWND hWnd, BOOL bEnable);
 BOOL SetWindowTextA(HWND hWnd, const char* pszTitle);
 CString AfxGetWindowText(HWND hWnd);
 

@@ -53,6 +53,13 @@ TEST_F(IniFileTest, FindsTheFirstMatchAndStripsBlanksAndOnePairOfQuotes) {
         EXPECT_EQ(Get("S", key.c_str()), value) << key;
     EXPECT_EQ(Get("two", "key"), "3");
     EXPECT_EQ(Get("", "stray"), "-");
+
+    const platform::IniSnapshot snapshot(file.c_str());
+    Content("[two]\nkey=changed\n");
+    for (const auto& [key, value] : expected)
+        EXPECT_EQ(Get("S", key.c_str()), value) << "from the snapshot: " << key;
+    EXPECT_EQ(Get(" two", "KEY "), "3");
+    EXPECT_EQ(Get("", "stray"), "-");
 }
 
 TEST_F(IniFileTest, ToleratesForeignLineEndsMarksAndBytes) {

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "system/TerminalPrompt.h"
 
@@ -97,6 +98,20 @@ TEST(TerminalPrompt, TakesTheButtonOrTheHarmlessOne) {
         std::ostringstream output;
         EXPECT_EQ(AskOnTerminal(input, output, "Go on?", type), answer) << lines;
     }
+}
+
+// The further lines of a question may show what belongs in no log.
+TEST(Prompt, WithNobodyThereTheLogTellsTheFirstLineOnly) {
+    static std::string reported;
+    const auto before = SetDiagnosticSink(
+        [](Severity, const char*, unsigned, const CString& strText) { reported = strText.View(); });
+    const int input = ::dup(STDIN_FILENO);
+    ::close(STDIN_FILENO);
+    EXPECT_EQ(AfxMessageBox("No rule found:\n\nPostData=secret", MB_YESNOCANCEL), IDNO);
+    ::dup2(input, STDIN_FILENO);
+    ::close(input);
+    SetDiagnosticSink(before);
+    EXPECT_EQ(reported, "Nobody to ask; answered No to: No rule found:");
 }
 
 TEST(TerminalPrompt, CannotBeSteeredByTheText) {

@@ -5,7 +5,7 @@
 
 #include <platform/Browser.h>
 
-#include "browser/builtin/ReplyBody.h"
+#include "browser/common/ReplyBody.h"
 
 namespace platform {
 

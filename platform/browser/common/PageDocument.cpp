@@ -1,4 +1,4 @@
-#include "browser/builtin/PageDocument.h"
+#include "browser/common/PageDocument.h"
 
 #include <algorithm>
 #include <vector>

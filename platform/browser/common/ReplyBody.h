@@ -12,6 +12,7 @@ namespace platform {
 class ReplyBody {
 public:
     void Append(std::string_view bytes);
+    void Replace(std::string bytes);
     std::size_t Size() const;
     // Copies bytes from `offset` on, as many as there are and fit; returns how many.
     std::size_t Copy(std::size_t offset, char* target, std::size_t count) const;

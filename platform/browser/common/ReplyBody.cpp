@@ -1,4 +1,4 @@
-#include "browser/builtin/ReplyBody.h"
+#include "browser/common/ReplyBody.h"
 
 #include <algorithm>
 
@@ -7,6 +7,11 @@ namespace platform {
 void ReplyBody::Append(std::string_view bytes) {
     const std::lock_guard lock(m_mutex);
     m_bytes.append(bytes);
+}
+
+void ReplyBody::Replace(std::string bytes) {
+    const std::lock_guard lock(m_mutex);
+    m_bytes = std::move(bytes);
 }
 
 std::size_t ReplyBody::Size() const {

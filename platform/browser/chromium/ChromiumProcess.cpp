@@ -1,0 +1,191 @@
+#include "browser/chromium/ChromiumProcess.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <platform/Diagnostics.h>
+#include <platform/Settings.h>
+#include <unistd.h>
+
+#include "browser/chromium/ProfileDirectory.h"
+#include "browser/chromium/SpawnProgram.h"
+#include "browser/chromium/SupervisorScript.h"
+
+namespace platform {
+namespace {
+
+constexpr const char* kNotFound =
+    "Chromium was not found; install the package chromium or set ZRHTTP_BROWSER";
+
+// What a pipe's ends are called here: the one to read from, the one to write to.
+struct PipeEnds {
+    OwnedDescriptor read{-1};
+    OwnedDescriptor write{-1};
+};
+
+std::optional<PipeEnds> MakePipe() {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return std::nullopt;
+    return PipeEnds{OwnedDescriptor(ends[0]), OwnedDescriptor(ends[1])};
+}
+
+bool IsExecutable(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) && access(path.c_str(), X_OK) == 0;
+}
+
+std::optional<std::string> FindOnPath(const char* pszName) {
+    const char* path = std::getenv("PATH");
+    std::string_view rest = path ? path : "/usr/local/bin:/usr/bin:/bin";
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        const std::string file = std::string(rest.substr(0, end)) + "/" + pszName;
+        if (file.front() == '/' && IsExecutable(file)) return file;
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> CommandLine(const std::string& browser, const std::string& profile,
+                                     bool isHeadless) {
+    std::vector<std::string> command{browser, "--remote-debugging-pipe",
+                                     "--user-data-dir=" + profile};
+    // No pages of its own, no traffic of its own, nothing slowed down behind the user's back.
+    for (const char* option :
+         {"--no-startup-window", "--no-first-run", "--disable-gpu", "--disable-quic",
+          "--disable-background-networking", "--disable-component-update", "--disable-sync",
+          "--disable-extensions", "--disable-breakpad", "--disable-popup-blocking",
+          "--disable-background-timer-throttling", "--disable-renderer-backgrounding",
+          "--disable-backgrounding-occluded-windows", "--password-store=basic",
+          "--disable-features=BackForwardCache,RenderDocument,ProactivelySwapBrowsingInstance,"
+          "WebUIOmniboxPopup,WebUIOmniboxAimPopup,WebUIOmniboxFullPopup,"
+          "SpareRendererForSitePerProcess"})
+        command.emplace_back(option);
+    if (isHeadless) command.emplace_back("--headless");
+    if (geteuid() == 0) command.emplace_back("--no-sandbox"); // it would not start otherwise
+    return command;
+}
+
+bool IsSetAnew(std::string_view variable) {
+    constexpr std::array<std::string_view, 5> names{"HOME=", "TMPDIR=", "DISPLAY=",
+                                                    "CHROMIUM_FLAGS=", "XDG_"};
+    return std::any_of(names.begin(), names.end(),
+                       [&](std::string_view name) { return variable.starts_with(name); });
+}
+
+// Ours, but whatever the browser writes lands in its profile directory.
+std::vector<std::string> Environment(const std::string& profile,
+                                     const std::optional<std::string>& display) {
+    std::vector<std::string> variables{"HOME=" + profile, "TMPDIR=" + profile};
+    if (display) variables.push_back("DISPLAY=" + *display);
+    for (char** variable = environ; *variable; ++variable)
+        if (!IsSetAnew(*variable)) variables.emplace_back(*variable);
+    return variables;
+}
+
+void WarnAboutSandbox() {
+    static const bool isWarned = [] {
+        ReportDiagnostic(Severity::trace, "Browser", __LINE__,
+                         "warning: Chromium runs without its sandbox, because this process is root's");
+        return true;
+    }();
+    static_cast<void>(isWarned);
+}
+
+void TrustFurtherCertificates(const std::string& profile) {
+    const CString file = GetSetting("ZRHTTP_CA_FILE").value;
+    std::string error;
+    if (!file.IsEmpty() && !TrustCertificates(profile, file.GetString(), error))
+        ReportDiagnostic(Severity::failure, "Browser", __LINE__, CString(error));
+}
+
+class RunningChromium final : public ChromiumProcess {
+public:
+    RunningChromium(std::string profile, bool isHeadless, OwnedDescriptor life)
+        : m_profile(std::move(profile)), m_isHeadless(isHeadless), m_life(std::move(life)) {}
+    ~RunningChromium() override { Quit(); }
+
+    void Converse(PipeEnds& commands, PipeEnds& answers, PipeEnds& errors) {
+        m_connection = DevToolsConnection::Start(std::move(commands.write),
+                                                 std::move(answers.read), std::move(errors.read));
+    }
+
+    DevToolsConnection& Connection() override { return *m_connection; }
+    bool IsHeadless() const override { return m_isHeadless; }
+    std::string WindowInstance() const override { return "chromium-browser (" + m_profile + ")"; }
+    const std::string& ProfileDirectory() const override { return m_profile; }
+    void Quit() override {
+        m_connection->Send({}, "Browser.close", nlohmann::json::object());
+        m_connection->Close();
+        m_life.Close();
+    }
+
+private:
+    const std::string m_profile;
+    const bool m_isHeadless;
+    OwnedDescriptor m_life; // what the supervisor watches
+    std::shared_ptr<DevToolsConnection> m_connection;
+};
+
+// The supervisor goes into the background at once, so there is no child to look after.
+bool StartSupervised(const std::string& browser, const std::string& profile,
+                     const std::optional<std::string>& display, PipeEnds& commands,
+                     PipeEnds& answers, PipeEnds& errors, PipeEnds& life) {
+    ProgramStart start;
+    start.command = {"/bin/sh", "-c", kSupervisorScript, "zrhttp-browser", profile};
+    for (std::string& part : CommandLine(browser, profile, !display))
+        start.command.push_back(std::move(part));
+    start.descriptors = {{errors.write.Get(), 2},
+                         {commands.read.Get(), 3},
+                         {answers.write.Get(), 4},
+                         {life.read.Get(), 5}};
+    start.environment = Environment(profile, display);
+    const auto shell = StartProgram(start);
+    return shell && WaitForProgram(*shell);
+}
+
+} // namespace
+
+std::optional<std::string> FindChromium() {
+    const CString setting = GetSetting("ZRHTTP_BROWSER").value;
+    if (!setting.IsEmpty()) return std::string(setting.View());
+    for (const char* name : {"chromium", "chromium-browser", "google-chrome"})
+        if (auto found = FindOnPath(name)) return found;
+    return std::nullopt;
+}
+
+std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std::string>& display,
+                                                         std::string& error) {
+    const auto browser = FindChromium();
+    if (!browser || !IsExecutable(*browser)) {
+        error = browser ? *browser + " is not an executable file" : kNotFound;
+        return nullptr;
+    }
+    auto commands = MakePipe();
+    auto answers = MakePipe();
+    auto errors = MakePipe();
+    auto life = MakePipe();
+    const std::string profile = MakeProfileDirectory();
+    if (!commands || !answers || !errors || !life || profile.empty()) {
+        error = std::string("no directory or no pipe for Chromium: ") + std::strerror(errno);
+        return nullptr;
+    }
+    if (geteuid() == 0) WarnAboutSandbox();
+    TrustFurtherCertificates(profile);
+    if (!StartSupervised(*browser, profile, display, *commands, *answers, *errors, *life)) {
+        error = std::string("Chromium cannot be started: ") + std::strerror(errno);
+        std::error_code ignored;
+        std::filesystem::remove_all(profile, ignored);
+        return nullptr;
+    }
+    const auto process =
+        std::make_shared<RunningChromium>(profile, !display, std::move(life->write));
+    process->Converse(*commands, *answers, *errors);
+    return process;
+}
+
+} // namespace platform

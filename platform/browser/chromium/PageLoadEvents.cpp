@@ -1,0 +1,194 @@
+// What a page loads: the browser's events.
+#include <string_view>
+#include <unordered_map>
+
+#include "browser/chromium/ChromiumBrowser.h"
+#include "browser/chromium/ChromiumPage.h"
+#include "browser/chromium/NetErrors.h"
+#include "browser/chromium/PageLoads.h"
+#include "browser/common/PageType.h"
+
+namespace platform {
+namespace {
+
+bool IsDocument(const DevToolsEvent& event) {
+    return TextOf(event.params, "type") == "Document";
+}
+
+std::string HeaderValue(const Json& headers, std::string_view name) {
+    for (const auto& [key, value] : headers.items())
+        if (value.is_string() && EqualsIgnoringCase(key, name)) return value.get<std::string>();
+    return {};
+}
+
+ReplyType TypeOf(const Json& response) {
+    const Json& headers = ObjectOf(response, "headers");
+    ReplyType type;
+    type.status = NumberOf(response, "status");
+    type.type = WithoutParameters(HeaderValue(headers, "Content-Type"));
+    type.isAttachment =
+        WithoutParameters(HeaderValue(headers, "Content-Disposition")) == "attachment";
+    return type;
+}
+
+std::string WithFragment(const std::string& url, const std::string& asked) {
+    const std::size_t fragment = asked.find('#');
+    if (fragment == std::string::npos || url.find('#') != std::string::npos) return url;
+    return url + asked.substr(fragment);
+}
+
+} // namespace
+
+std::string ShownUrl(const std::string& url) {
+    if (url.find('@') == std::string::npos) return url;
+    return ResolveReference(url, url).value_or(std::string());
+}
+
+void PageLoads::OnEvent(DevToolsEvent& event) {
+    static const std::unordered_map<std::string_view, Handler> handlers{
+        {"Page.frameStartedNavigating", &PageLoads::OnStartedNavigating},
+        {"Network.requestWillBeSent", &PageLoads::OnRequest},
+        {"Network.responseReceived", &PageLoads::OnResponse},
+        {"Network.dataReceived", &PageLoads::OnData},
+        {"Network.loadingFinished", &PageLoads::OnFinished},
+        {"Network.loadingFailed", &PageLoads::OnFailed},
+        {"Page.frameNavigated", &PageLoads::OnNavigated},
+        {"Page.lifecycleEvent", &PageLoads::OnLifecycle},
+        {"Page.frameStoppedLoading", &PageLoads::OnStoppedLoading},
+        {"Page.frameAttached", &PageLoads::OnFrameAttached},
+        {"Page.frameDetached", &PageLoads::OnFrameDetached},
+        {"Page.frameRequestedNavigation", &PageLoads::OnNavigationRequested},
+        {"Page.frameScheduledNavigation", &PageLoads::OnNavigationScheduled},
+        {"Page.frameClearedScheduledNavigation", &PageLoads::OnNavigationCleared},
+        {"Fetch.requestPaused", &PageLoads::OnPaused},
+        {"Fetch.authRequired", &PageLoads::OnAuthRequired},
+    };
+    const auto found = handlers.find(event.method);
+    if (m_isDetached || found == handlers.end()) return;
+    const auto keep = shared_from_this();
+    (this->*found->second)(event);
+}
+
+void PageLoads::OnStartedNavigating(const DevToolsEvent& event) {
+    const std::string type = TextOf(event.params, "navigationType");
+    if (type == "sameDocument" || type == "historySameDocument") return;
+    Begin(TextOf(event.params, "frameId"), TextOf(event.params, "loaderId"),
+          TextOf(event.params, "url"));
+}
+
+// Pop-ups are attached to when their navigation has begun already.
+void PageLoads::OnRequest(const DevToolsEvent& event) {
+    const std::string loader = TextOf(event.params, "loaderId");
+    if (!IsDocument(event) || loader != TextOf(event.params, "requestId")) return;
+    Begin(TextOf(event.params, "frameId"), loader,
+          TextOf(ObjectOf(event.params, "request"), "url"));
+}
+
+void PageLoads::OnResponse(const DevToolsEvent& event) {
+    const DocumentLoadPtr load = Find(event);
+    if (!load || IsOver(load) || load->hasHead || !IsDocument(event)) return;
+    const Json& response = ObjectOf(event.params, "response");
+    const std::string url = ShownUrl(TextOf(response, "url"));
+    if (!IsHttpUrl(url) && SchemeOf(url) != "file") return;
+    load->url = WithFragment(url, load->url);
+    const std::string reason = ReasonNotShown(TypeOf(response));
+    if (!reason.empty()) {
+        if (IsTop(load->frame)) m_page.Send("Page.stopLoading");
+        return Fail(load, reason, Aftermath::pageStays);
+    }
+    TakeHead(load, event.session);
+}
+
+void PageLoads::OnData(const DevToolsEvent& event) {
+    if (const DocumentLoadPtr load = Find(event)) load->source->OnData(event.params);
+}
+
+void PageLoads::OnFinished(const DevToolsEvent& event) {
+    if (const DocumentLoadPtr load = Find(event)) load->source->OnFinished();
+}
+
+void PageLoads::OnFailed(const DevToolsEvent& event) {
+    const DocumentLoadPtr load = Find(event);
+    if (!load || IsOver(load)) return;
+    const std::string error = TextOf(event.params, "errorText");
+    if (load->isSuperseded) {
+        load->document.Release();
+        return Complete(load);
+    }
+    if (ShowAuthentication(load, error)) return;
+    if (load->hasHead && error == "net::ERR_HTTP_RESPONSE_CODE_FAILURE") {
+        // The server's own page, of no bytes: the browser shows one of its own in its place.
+        load->source->BeEmpty();
+        load->isLoaded = true;
+        return Commit(load);
+    }
+    Fail(load, NetErrorText(error, load->url),
+         error == "net::ERR_ABORTED" ? Aftermath::pageStays : Aftermath::errorPage);
+}
+
+void PageLoads::OnNavigated(const DevToolsEvent& event) {
+    const Json& shown = ObjectOf(event.params, "frame");
+    const std::string id = TextOf(shown, "id");
+    m_frames[id].parent = TextOf(shown, "parentId");
+    const auto found = m_loads.find(TextOf(shown, "loaderId"));
+    if (IsTop(id)) m_shownUrl = TextOf(shown, "url") + TextOf(shown, "urlFragment");
+    if (found == m_loads.end()) return;
+    const DocumentLoadPtr load = found->second;
+    if (IsOver(load)) return;
+    if (!TextOf(shown, "unreachableUrl").empty())
+        return Fail(load, "the browser cannot show the page", Aftermath::errorPage);
+    Commit(load);
+}
+
+void PageLoads::OnLifecycle(const DevToolsEvent& event) {
+    if (TextOf(event.params, "name") != "load") return;
+    const auto found = m_loads.find(TextOf(event.params, "loaderId"));
+    if (found == m_loads.end()) return;
+    const DocumentLoadPtr load = found->second;
+    if (IsTop(load->frame)) return;
+    load->isLoaded = true;
+    CompleteIfReady(load);
+}
+
+// The page's loading ends here, behind its load event: a refresh without a delay has been reported
+// by then. A page that stops its own loading never sees the load event.
+void PageLoads::OnStoppedLoading(const DevToolsEvent& event) {
+    const auto found = m_frames.find(TextOf(event.params, "frameId"));
+    if (found == m_frames.end()) return;
+    const DocumentLoadPtr load = found->second.current;
+    if (!load || found->second.next) return;
+    load->isLoaded = true;
+    CompleteIfReady(load);
+}
+
+void PageLoads::OnFrameAttached(const DevToolsEvent& event) {
+    m_frames[TextOf(event.params, "frameId")].parent = TextOf(event.params, "parentFrameId");
+}
+
+void PageLoads::OnFrameDetached(const DevToolsEvent& event) {
+    // A frame that moves to another process stays what it is.
+    if (TextOf(event.params, "reason") != "swap") DropFrame(TextOf(event.params, "frameId"));
+}
+
+void PageLoads::OnNavigationRequested(const DevToolsEvent& event) {
+    if (TextOf(event.params, "disposition") != "currentTab") return;
+    const auto found = m_frames.find(TextOf(event.params, "frameId"));
+    if (found != m_frames.end() && found->second.current) found->second.isLeaving = true;
+}
+
+// A refresh without a delay: the page is left as soon as it is complete.
+void PageLoads::OnNavigationScheduled(const DevToolsEvent& event) {
+    const std::string reason = TextOf(event.params, "reason");
+    if (reason != "metaTagRefresh" && reason != "httpHeaderRefresh") return;
+    if (NumberOf(event.params, "delay") == 0) OnNavigationRequested({event.session, {}, {
+        {"frameId", TextOf(event.params, "frameId")}, {"disposition", "currentTab"}}});
+}
+
+void PageLoads::OnNavigationCleared(const DevToolsEvent& event) {
+    const auto found = m_frames.find(TextOf(event.params, "frameId"));
+    if (found == m_frames.end() || !found->second.isLeaving) return;
+    found->second.isLeaving = false;
+    if (const DocumentLoadPtr load = found->second.current) CompleteIfReady(load);
+}
+
+} // namespace platform

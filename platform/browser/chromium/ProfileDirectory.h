@@ -1,0 +1,16 @@
+// Where one browser process keeps its files.
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+// Makes an empty directory that only the user may enter: in memory where there is room, which
+// saves a browser's start the wait for a disk. Empty when none can be made.
+std::string MakeProfileDirectory();
+
+// Makes the certificates of the PEM file trusted by the browser whose home the directory is. False
+// with the reason in plain words.
+bool TrustCertificates(const std::string& home, const std::string& pemFile, std::string& error);
+
+} // namespace platform

@@ -1,0 +1,54 @@
+// What the browser's own request for a document is changed into: the client's post data and header
+// block, its credentials, and replies shown as text.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "browser/chromium/DevToolsValues.h"
+#include "browser/common/NavigationRequest.h"
+
+namespace platform {
+
+class ChromiumPage;
+
+// On the owner's thread. Holds requests up only while there is something to change: it costs time
+// with every document.
+class RequestOverride {
+public:
+    explicit RequestOverride(ChromiumPage& page) : m_page(page) {}
+
+    // Before the client's navigation. onRefused: the request was ended, for the reason given.
+    // isAuthenticationShown: the server's own page is wanted for a request that it wants
+    // credentials for.
+    void Arm(const NavigationRequest& request, bool isAuthenticationShown,
+             std::function<void(const std::string& reason)> onRefused);
+    // The browser calls the client's request by this name.
+    void SetLoader(const std::string& loader) { m_loader = loader; }
+    // The reply to the client's request has come, or never will.
+    void Disarm();
+
+    // Fetch.requestPaused and Fetch.authRequired.
+    void OnPaused(const Json& params);
+    void OnAuthRequired(const Json& params);
+
+private:
+    void Release(const Json& params);
+    void ChangeRequest(const Json& params);
+    void ChangeRedirect(const Json& params);
+    void ChangeReply(const Json& params);
+    Json ChangedHeaders(const Json& params, bool isRepeated) const;
+
+    ChromiumPage& m_page;
+    std::function<void(const std::string&)> m_onRefused;
+    NavigationRequest m_request;
+    std::string m_loader;
+    std::string m_lastUrl;
+    std::vector<std::string> m_substitutedTypes;
+    bool m_hasRequest = false;
+    bool m_areCredentialsGiven = false;
+    bool m_isEnabled = false;
+};
+
+} // namespace platform
