@@ -67,7 +67,7 @@ std::string Configuration(const std::string& directory, unsigned short port) {
 } // namespace
 
 BenchServer::BenchServer(const std::string& page) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "page_bench_XXXXXX").string();
+    std::string pattern = (std::filesystem::temp_directory_path() / "zrhttp_bench_XXXXXX").string();
     if (!::mkdtemp(pattern.data())) throw std::runtime_error("no temporary directory");
     m_directory = pattern;
     // The worker of a server started by root runs as another user.

@@ -13,6 +13,11 @@ double Milliseconds(clockid_t clock) {
 
 } // namespace
 
+double Quantile(std::vector<double> samples, double fraction) {
+    std::sort(samples.begin(), samples.end());
+    return samples[static_cast<std::size_t>(fraction * static_cast<double>(samples.size() - 1))];
+}
+
 void Measurement::Sample() {
     const double wall = Milliseconds(CLOCK_MONOTONIC);
     const double processor = Milliseconds(CLOCK_PROCESS_CPUTIME_ID);
@@ -22,9 +27,7 @@ void Measurement::Sample() {
 }
 
 double Measurement::WallQuantile(double fraction) const {
-    std::vector<double> sorted = m_wall;
-    std::sort(sorted.begin(), sorted.end());
-    return sorted[static_cast<std::size_t>(fraction * static_cast<double>(sorted.size() - 1))];
+    return Quantile(m_wall, fraction);
 }
 
 double Measurement::ProcessorMean() const {

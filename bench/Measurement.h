@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+// The sample that the fraction (0 to 1) of all samples does not exceed; 0.5 is the median.
+double Quantile(std::vector<double> samples, double fraction);
+
 class Measurement {
 public:
     Measurement(std::string name, std::function<void()> run)

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <gmock/gmock.h>
 
 #include "support/RunTool.h"
@@ -31,6 +33,8 @@ TEST(Doctor, NamesEachProblemAndWhatToDo) {
     const ScopedVariable root("ZRHTTP_HOME", home.Path("blocked").c_str());
     const ScopedVariable certificates("ZRHTTP_CA_FILE", home.Path("none.pem").c_str());
     const ScopedVariable engine("ZRHTTP_CONTROL", "netscape\033[2J");
+    const ScopedVariable headless("ZRHTTP_HEADLESS", nullptr);
+    const ScopedVariable display("DISPLAY", "127.0.0.1:9999999"); // no such port
     const auto run = RunTool({"doctor"});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_THAT(run.output,
@@ -38,7 +42,48 @@ TEST(Doctor, NamesEachProblemAndWhatToDo) {
                       HasSubstr("set ZRHTTP_HOME to a directory of yours"),
                       HasSubstr("The registry cannot be opened"),
                       HasSubstr("Correct or unset ZRHTTP_CA_FILE"),
-                      HasSubstr("ZRHTTP_CONTROL is 'netscape^[[2J'")));
+                      HasSubstr("ZRHTTP_CONTROL is 'netscape^[[2J'"),
+                      HasSubstr("The display does not answer")));
+}
+
+// A program that a test makes and calls a browser.
+std::string MakeProgram(const test_support::TemporaryHome& home, const char* script) {
+    home.WriteFile("browser", std::string("#!/bin/sh\n") + script);
+    const std::string file = home.Path("browser");
+    chmod(file.c_str(), 0700);
+    return file;
+}
+
+TEST(Doctor, AsksChromiumForItsVersion) {
+    const test_support::TemporaryHome home;
+    const ScopedVariable display("DISPLAY", nullptr);
+    const std::string file = MakeProgram(home, "echo \"Chromium 9 $1\"; echo more");
+    const ScopedVariable browser("ZRHTTP_BROWSER", file.c_str());
+    const auto run = RunTool({"doctor"});
+    EXPECT_EQ(run.exitStatus, 0) << run.output;
+    EXPECT_THAT(run.output, HasSubstr(file + "  (Chromium 9 --version)"));
+    EXPECT_THAT(run.output, HasSubstr("sandbox  "));
+}
+
+TEST(Doctor, ChromiumIsAProblemOnlyWhereAnEngineNeedsIt) {
+    const test_support::TemporaryHome home;
+    const ScopedVariable display("DISPLAY", nullptr);
+    const std::string broken = MakeProgram(home, "echo Chromium 9; exit 1");
+    for (const std::string& file : {home.Path("none"), broken}) {
+        const ScopedVariable browser("ZRHTTP_BROWSER", file.c_str());
+        const auto run = RunTool({"doctor"});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.output, AllOf(HasSubstr(file + "  (cannot run)"),
+                                      HasSubstr("Chromium does not tell its version"),
+                                      HasSubstr("the package chromium")));
+        const ScopedVariable builtin("ZRHTTP_APPLICATION", "builtin");
+        EXPECT_EQ(RunTool({"doctor"}).exitStatus, 0);
+    }
+    const ScopedVariable path("PATH", home.Path().c_str());
+    const auto missing = RunTool({"doctor"});
+    EXPECT_EQ(missing.exitStatus, 1);
+    EXPECT_THAT(missing.output, AllOf(HasSubstr("Chromium was not found."),
+                                      HasSubstr("Install the package chromium")));
 }
 
 } // namespace

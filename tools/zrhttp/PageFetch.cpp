@@ -103,10 +103,17 @@ private:
         for (int i = 0; i < pages.GetSize(); ++i)
             m_result.pages.push_back({TextFromBytes(urls[i].View()), BytesOf(pages[i])});
         if (code != ZRHB_IDLE_TIMEOUT || pages.GetSize() == 0) return code;
-        m_error.Empty();
         m_result.url = m_result.pages.back().url;
         m_result.length = m_result.pages.back().source.size();
-        return ZRHB_OK;
+        m_error = HasDocument() ? "" : "The last page could not be loaded.";
+        return m_error.IsEmpty() ? ZRHB_OK : ZRHB_READ_FAILED;
+    }
+
+    // A navigation that failed ends like a page, an empty one, but leaves no document.
+    bool HasDocument() {
+        IWebBrowser2* browser = m_getter.Get_IWebBrowser2_ptr();
+        CComPtr<IDispatch> document;
+        return browser && SUCCEEDED(browser->get_Document(&document)) && document;
     }
 
     static std::string BytesOf(const CString& page) { return std::string(page.View()); }

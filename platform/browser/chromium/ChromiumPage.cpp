@@ -58,7 +58,6 @@ void ChromiumPage::Attach(const std::string& target, const std::string& session)
 void ChromiumPage::Enable(const std::string& session) {
     SendTo(session, "Page.enable", Json::object());
     SendTo(session, "Inspector.enable", Json::object());
-    SendTo(session, "Page.setLifecycleEventsEnabled", {{"enabled", true}});
     SendTo(session, "Network.enable",
            {{"enableDurableMessages", true},
             {"maxTotalBufferSize", kMaxKeptBytes},

@@ -18,13 +18,15 @@ constexpr const char* kSourceLost = "the browser does not hand out the page's so
 
 void PageLoads::Begin(const std::string& frame, const std::string& loader,
                       const std::string& url) {
-    if (loader.empty() || m_loads.contains(loader)) return;
+    if (loader.empty() || frame.empty() || m_loads.contains(loader)) return;
     if (IsTop(frame) && m_client) {
         if (m_isClientDue) BeginClients(loader);
         return;
     }
-    // What frames hold beside pages (empty documents, inline ones) is part of the page.
-    if (!IsTop(frame) && !IsHttpUrl(url) && SchemeOf(url) != "file") return;
+    // What frames hold beside pages (empty documents, inline ones) is part of the page; those of a
+    // page that is being left are not waited for.
+    const bool isPage = IsHttpUrl(url) || SchemeOf(url) == "file";
+    if (!IsTop(frame) && (!isPage || m_client || Top().next)) return;
     BeginPages(frame, loader, url);
 }
 
@@ -67,7 +69,7 @@ void PageLoads::TakeHead(const DocumentLoadPtr& load, const std::string& session
     load->hasHead = true;
     const auto source = load->source;
     load->document = CComPtr<IDispatch>(MakeObject<PageDocument>(source->Body()));
-    if (IsTop(load->frame)) m_override.Disarm();
+    if (IsTop(load->frame)) m_override.Finish();
     source->Begin(m_page, session,
                   [weak = weak_from_this(), weakLoad = std::weak_ptr(load)] {
                       const auto self = weak.lock();

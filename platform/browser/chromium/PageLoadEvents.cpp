@@ -53,7 +53,6 @@ void PageLoads::OnEvent(DevToolsEvent& event) {
         {"Network.loadingFinished", &PageLoads::OnFinished},
         {"Network.loadingFailed", &PageLoads::OnFailed},
         {"Page.frameNavigated", &PageLoads::OnNavigated},
-        {"Page.lifecycleEvent", &PageLoads::OnLifecycle},
         {"Page.frameStoppedLoading", &PageLoads::OnStoppedLoading},
         {"Page.frameAttached", &PageLoads::OnFrameAttached},
         {"Page.frameDetached", &PageLoads::OnFrameDetached},
@@ -90,7 +89,7 @@ void PageLoads::OnResponse(const DevToolsEvent& event) {
     const Json& response = ObjectOf(event.params, "response");
     const std::string url = ShownUrl(TextOf(response, "url"));
     if (!IsHttpUrl(url) && SchemeOf(url) != "file") return;
-    load->url = WithFragment(url, load->url);
+    if (IsHttpUrl(url) || !load->isByClient) load->url = WithFragment(url, load->url);
     const std::string reason = ReasonNotShown(TypeOf(response));
     if (!reason.empty()) {
         if (IsTop(load->frame)) m_page.Send("Page.stopLoading");
@@ -140,18 +139,8 @@ void PageLoads::OnNavigated(const DevToolsEvent& event) {
     Commit(load);
 }
 
-void PageLoads::OnLifecycle(const DevToolsEvent& event) {
-    if (TextOf(event.params, "name") != "load") return;
-    const auto found = m_loads.find(TextOf(event.params, "loaderId"));
-    if (found == m_loads.end()) return;
-    const DocumentLoadPtr load = found->second;
-    if (IsTop(load->frame)) return;
-    load->isLoaded = true;
-    CompleteIfReady(load);
-}
-
-// The page's loading ends here, behind its load event: a refresh without a delay has been reported
-// by then. A page that stops its own loading never sees the load event.
+// Behind the load event, which a page that stops its own loading never sees; a refresh without a
+// delay has been reported by then.
 void PageLoads::OnStoppedLoading(const DevToolsEvent& event) {
     const auto found = m_frames.find(TextOf(event.params, "frameId"));
     if (found == m_frames.end()) return;

@@ -86,7 +86,10 @@ void PageLoads::Announce(const DocumentLoadPtr& load) {
 // page, without a request; an empty page in between makes it a new one.
 void PageLoads::Start(const DocumentLoadPtr& load) {
     std::string reason = MapFile(load->request.target.url);
-    if (!reason.empty()) return Fail(load, reason, Aftermath::errorPage);
+    if (!reason.empty())
+        return Browser().Link()->Post([self = shared_from_this(), load, reason](BrowserObject&) {
+            if (!self->IsOver(load)) self->Fail(load, reason, Aftermath::errorPage);
+        });
     const std::string& url = load->request.target.url;
     const bool isWithinPage =
         url.find('#') != std::string::npos && WithoutFragment(url) == WithoutFragment(m_shownUrl);

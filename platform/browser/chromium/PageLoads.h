@@ -72,7 +72,6 @@ private:
     void OnFinished(const DevToolsEvent& event);
     void OnFailed(const DevToolsEvent& event);
     void OnNavigated(const DevToolsEvent& event);
-    void OnLifecycle(const DevToolsEvent& event);
     void OnStoppedLoading(const DevToolsEvent& event);
     void OnFrameAttached(const DevToolsEvent& event);
     void OnFrameDetached(const DevToolsEvent& event);

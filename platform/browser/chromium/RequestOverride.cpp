@@ -42,9 +42,10 @@ bool HasField(const Json& fields, const char* pszName) {
 
 // Fields of a reply that would keep its body from being shown as the text that it is.
 bool SaysWhatTheBodyIs(const std::string& name) {
-    constexpr std::array<const char*, 6> fields{"Content-Type",     "Content-Disposition",
+    constexpr std::array<const char*, 7> fields{"Content-Type",     "Content-Disposition",
                                                 "Content-Encoding", "Content-Length",
-                                                "Transfer-Encoding", "X-Content-Type-Options"};
+                                                "Transfer-Encoding", "X-Content-Type-Options",
+                                                "Refresh"};
     return std::any_of(fields.begin(), fields.end(),
                        [&](const char* known) { return EqualsIgnoringCase(name, known); });
 }
@@ -68,13 +69,21 @@ void RequestOverride::Arm(const NavigationRequest& request, bool isAuthenticatio
 }
 
 void RequestOverride::Disarm() {
+    Finish();
+    m_substitutedTypes.clear();
+    if (!m_isEnabled) return;
+    m_isEnabled = false;
+    m_page.Send("Fetch.disable");
+}
+
+void RequestOverride::Finish() {
     m_hasRequest = false;
     m_areCredentialsGiven = false;
     m_request = NavigationRequest();
     m_loader.clear();
     m_lastUrl.clear();
     m_onRefused = nullptr;
-    if (!m_isEnabled) return;
+    if (!m_isEnabled || !m_substitutedTypes.empty()) return;
     m_isEnabled = false;
     m_page.Send("Fetch.disable");
 }

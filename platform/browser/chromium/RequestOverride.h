@@ -26,7 +26,10 @@ public:
              std::function<void(const std::string& reason)> onRefused);
     // The browser calls the client's request by this name.
     void SetLoader(const std::string& loader) { m_loader = loader; }
-    // The reply to the client's request has come, or never will.
+    // The reply to the client's request has come: its own frames are held up no longer, unless
+    // there are replies to be shown as text.
+    void Finish();
+    // The navigation is over.
     void Disarm();
 
     // Fetch.requestPaused and Fetch.authRequired.

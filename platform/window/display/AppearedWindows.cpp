@@ -2,6 +2,18 @@
 
 namespace platform {
 
+void AppearedWindows::NoteWatched() {
+    const std::lock_guard lock(m_mutex);
+    m_isWatched = true;
+    m_changed.notify_all();
+}
+
+void AppearedWindows::WaitUntilWatched() {
+    constexpr std::chrono::seconds patience{1};
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, patience, [this] { return m_isWatched || m_isClosed; });
+}
+
 void AppearedWindows::Add(std::shared_ptr<DisplayWindow> window) {
     const std::lock_guard lock(m_mutex);
     m_windows.push_back(std::move(window));

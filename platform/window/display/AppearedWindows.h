@@ -20,6 +20,10 @@ public:
     explicit AppearedWindows(std::string instance) : m_instance(std::move(instance)) {}
 
     const std::string& Instance() const { return m_instance; }
+    // From now on no window of the application is missed.
+    void NoteWatched();
+    // Waits for NoteWatched, but not for a display that does not answer.
+    void WaitUntilWatched();
     void Add(std::shared_ptr<DisplayWindow> window);
     // Waits for one; null when none came in time, or none will come.
     std::shared_ptr<DisplayWindow> Take(Time end);
@@ -32,6 +36,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::shared_ptr<DisplayWindow>> m_windows;
+    bool m_isWatched = false;
     bool m_isClosed = false;
 };
 

@@ -42,8 +42,6 @@ void DisplayWindows::Handle(const xcb_generic_event_t& event) {
         return OnMap(As<xcb_map_notify_event_t>(event).window);
     case XCB_UNMAP_NOTIFY:
         return OnUnmap(As<xcb_unmap_notify_event_t>(event).window);
-    case XCB_REPARENT_NOTIFY:
-        return OnReparent(As<xcb_reparent_notify_event_t>(event));
     case XCB_DESTROY_NOTIFY:
         return OnDestroy(As<xcb_destroy_notify_event_t>(event).window);
     case XCB_PROPERTY_NOTIFY:
@@ -84,13 +82,7 @@ void DisplayWindows::Recognise(xcb_window_t window, Stranger& stranger) {
     });
     if (watch == m_watches.end()) return;
     stranger.watch = *watch;
-    m_connection.Hold(window);
-}
-
-void DisplayWindows::OnReparent(const xcb_reparent_notify_event_t& event) {
-    const auto stranger = m_strangers.find(event.window);
-    if (stranger == m_strangers.end()) return;
-    stranger->second.isHeld = m_connection.IsHolder(event.parent);
+    stranger.isHeld = m_connection.Hold(window);
 }
 
 void DisplayWindows::OnMap(xcb_window_t window) {
@@ -198,7 +190,9 @@ void DisplayWindows::Leave(bool isBroken) {
 }
 
 void DisplayWindows::Add(std::shared_ptr<AppearedWindows> watch) {
+    m_connection.Sync();
     m_watches.push_back(std::move(watch));
+    m_watches.back()->NoteWatched();
 }
 
 void DisplayWindows::Remove(const AppearedWindows& watch) {

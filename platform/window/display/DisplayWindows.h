@@ -53,7 +53,6 @@ private:
     void OnCreate(const xcb_create_notify_event_t& event);
     void OnMap(xcb_window_t window);
     void OnUnmap(xcb_window_t window);
-    void OnReparent(const xcb_reparent_notify_event_t& event);
     void OnDestroy(xcb_window_t window);
     void OnProperty(const xcb_property_notify_event_t& event);
     void OnFocus(const xcb_focus_in_event_t& event, bool isActive);

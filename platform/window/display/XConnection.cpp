@@ -56,6 +56,12 @@ void XConnection::Break() {
     ::shutdown(Descriptor(), SHUT_RDWR);
 }
 
+void XConnection::Sync() {
+    const auto asked = xcb_get_input_focus(m_connection.get());
+    const XOwned<xcb_get_input_focus_reply_t> answer(
+        xcb_get_input_focus_reply(m_connection.get(), asked, nullptr));
+}
+
 XOwned<xcb_generic_event_t> XConnection::NextEvent() {
     XOwned<xcb_generic_event_t> event(xcb_poll_for_event(m_connection.get()));
     if (event) return event;
@@ -133,11 +139,16 @@ void XConnection::Withdraw(xcb_window_t window) {
                    space.get());
 }
 
-void XConnection::Hold(xcb_window_t window) {
-    const auto asked = xcb_get_geometry(m_connection.get(), window);
+bool XConnection::Hold(xcb_window_t window) {
+    xcb_connection_t* const connection = m_connection.get();
+    const auto placeAsked = xcb_get_geometry(connection, window);
+    const auto treeAsked = xcb_query_tree(connection, window);
     const XOwned<xcb_get_geometry_reply_t> place(
-        xcb_get_geometry_reply(m_connection.get(), asked, nullptr));
-    if (place) xcb_reparent_window(m_connection.get(), window, m_holder, place->x, place->y);
+        xcb_get_geometry_reply(connection, placeAsked, nullptr));
+    const XOwned<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection, treeAsked, nullptr));
+    if (!place || !tree || tree->parent != Root() || IsMapped(window)) return false;
+    xcb_reparent_window(connection, window, m_holder, place->x, place->y);
+    return true;
 }
 
 void XConnection::Release(xcb_window_t window) {

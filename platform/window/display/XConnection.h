@@ -31,6 +31,8 @@ public:
     // Ends the conversation; a thread that waits for the server goes on.
     void Break();
 
+    // Returns when the server has done all that was asked of it.
+    void Sync();
     // Null when none waits; what was asked for before is on its way then.
     XOwned<xcb_generic_event_t> NextEvent();
 
@@ -54,9 +56,9 @@ public:
     void Unmap(xcb_window_t window) { xcb_unmap_window(m_connection.get(), window); }
     // Unmaps it and tells the window manager to let go of it.
     void Withdraw(xcb_window_t window);
-    // Puts a window where its being mapped shows nothing and no window manager hears of it.
-    void Hold(xcb_window_t window);
-    bool IsHolder(xcb_window_t window) const { return window == m_holder; }
+    // Puts a window where its being mapped shows nothing and no window manager hears of it. False,
+    // with nothing done, when it is too late: it is mapped, or a window manager has it.
+    bool Hold(xcb_window_t window);
     // Makes a held window a top-level one again; a mapped one shows from then on.
     void Release(xcb_window_t window);
     // In front of the others, with the keyboard.

@@ -57,6 +57,7 @@ public:
         const bool isServed = m_commands->Post(
             [appeared = m_appeared](DisplayWindows& windows) { windows.Add(appeared); });
         if (!isServed) m_appeared->Close();
+        m_appeared->WaitUntilWatched();
     }
     ~XWindowWatch() override {
         m_appeared->Close();
