@@ -31,7 +31,8 @@ void RegisterBrowserClasses() {
     });
     static const ClassRegistration application(
         CLSID_InternetExplorer, [](REFIID iid, void** ppObject) {
-            return CreateByEngine("ZRHTTP_APPLICATION", &ChromiumBrowser::CreateApplication, iid, ppObject);
+            return CreateByEngine("ZRHTTP_APPLICATION", &ChromiumBrowser::CreateApplication, iid,
+                                  ppObject);
         });
 }
 

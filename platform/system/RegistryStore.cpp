@@ -57,8 +57,7 @@ public:
         return OnKey(RegistryAccess::read, root, strKey,
                      [&](SqliteDatabase& database, RegistryKeyId key) {
                          for (const RegistryKeyRow& row : RegistryTree(database, key))
-                             if (row.parent == key)
-                                 names.push_back(AnsiFromUtf8(row.name));
+                             if (row.parent == key) names.push_back(AnsiFromUtf8(row.name));
                          return ERROR_SUCCESS;
                      });
     }

@@ -54,8 +54,8 @@ public:
     // long as somebody holds it; made anew when it has broken.
     static std::shared_ptr<Display> Open();
     virtual const std::string& Name() const = 0;
-    // To be called before the application starts. `instance` is the first part of its windows'
-    // WM_CLASS.
+    // To be called before the application starts. `instance` is how the first part of
+    // its windows' WM_CLASS ends.
     virtual std::unique_ptr<WindowWatch> Watch(const std::string& instance) = 0;
 };
 

@@ -1,8 +1,11 @@
 #include "support/Leftovers.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <thread>
 
 #include <sys/prctl.h>
@@ -32,6 +35,30 @@ std::vector<std::string> LookOnce() {
     return running;
 }
 
+std::set<std::string> AllProfileDirectories() {
+    std::set<std::string> found;
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    for (const std::filesystem::path& place :
+         {std::filesystem::path("/dev/shm"), std::filesystem::path(runtime ? runtime : ""),
+          std::filesystem::temp_directory_path()}) {
+        std::error_code error;
+        for (const auto& entry : std::filesystem::directory_iterator(place, error))
+            if (entry.path().filename().string().starts_with("zrhttp-chromium-"))
+                found.insert(entry.path());
+    }
+    return found;
+}
+
+std::string AllCommandLines() {
+    std::string all;
+    std::error_code error;
+    for (const auto& process : std::filesystem::directory_iterator("/proc", error)) {
+        std::ifstream file(process.path() / "cmdline", std::ios::binary);
+        all.append(std::istreambuf_iterator<char>(file), {});
+    }
+    return all;
+}
+
 } // namespace
 
 void AdoptOrphans() {
@@ -45,6 +72,30 @@ std::vector<std::string> RunningChildren() {
         running = LookOnce();
     }
     return running;
+}
+
+ProfileDirectories::ProfileDirectories() : m_before(AllProfileDirectories()) {}
+
+std::vector<std::string> ProfileDirectories::LeftBehind() const {
+    std::vector<std::string> left = AbandonedNow();
+    for (int look = 1; look < 50 && !left.empty(); ++look) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        left = AbandonedNow();
+    }
+    return left;
+}
+
+std::vector<std::string> ProfileDirectories::AbandonedNow() const {
+    std::vector<std::string> left;
+    const std::set<std::string> now = AllProfileDirectories();
+    std::set_difference(now.begin(), now.end(), m_before.begin(), m_before.end(),
+                        std::back_inserter(left));
+    if (left.empty()) return left;
+    const std::string commandLines = AllCommandLines();
+    std::erase_if(left, [&](const std::string& directory) {
+        return commandLines.find(directory) != std::string::npos;
+    });
+    return left;
 }
 
 } // namespace test_support

@@ -10,10 +10,15 @@
 namespace {
 
 int RunInTemporaryHome() {
+    const test_support::ProfileDirectories profiles;
     test_support::TemporaryHome home;
     int status = RUN_ALL_TESTS();
     for (const std::string& process : test_support::RunningChildren()) {
         std::cerr << "The tests left a process running: " << process << '\n';
+        status = 1;
+    }
+    for (const std::string& directory : profiles.LeftBehind()) {
+        std::cerr << "The tests left a browser's profile behind: " << directory << '\n';
         status = 1;
     }
     if (!home.Remove()) {

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -12,7 +13,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <xcb/xcb_ewmh.h>
+#include <xcb/xcb.h>
 
 namespace test_support {
 namespace {
@@ -72,24 +73,43 @@ std::string ReadLine(int descriptor) {
     return line;
 }
 
-bool HasWindowManager(xcb_ewmh_connection_t& names, xcb_window_t root) {
-    xcb_window_t check = XCB_WINDOW_NONE;
-    const auto asked = xcb_ewmh_get_supporting_wm_check(&names, root);
-    return xcb_ewmh_get_supporting_wm_check_reply(&names, asked, &check, nullptr) != 0;
+// Tells whether the window can be seen.
+bool IsViewable(xcb_connection_t* connection, xcb_window_t window) {
+    const auto asked = xcb_get_window_attributes(connection, window);
+    const std::unique_ptr<xcb_get_window_attributes_reply_t, decltype(&std::free)> answer(
+        xcb_get_window_attributes_reply(connection, asked, nullptr), &std::free);
+    return answer && answer->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
-void WaitForWindowManager(const std::string& display) {
-    const Connection connection = Connect(display);
-    xcb_ewmh_connection_t names{};
-    auto* const asked = xcb_ewmh_init_atoms(connection.get(), &names);
-    xcb_ewmh_init_atoms_replies(&names, asked, nullptr);
+void WaitUntil(const std::function<bool()>& isDone) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!HasWindowManager(names, Screen(connection.get()).root)) {
+    while (!isDone()) {
         if (std::chrono::steady_clock::now() > end)
             throw std::runtime_error("the window manager does not start");
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    xcb_ewmh_connection_wipe(&names);
+}
+
+bool IsRedirected(xcb_connection_t* connection, xcb_window_t root) {
+    const auto asked = xcb_get_window_attributes(connection, root);
+    const std::unique_ptr<xcb_get_window_attributes_reply_t, decltype(&std::free)> answer(
+        xcb_get_window_attributes_reply(connection, asked, nullptr), &std::free);
+    return answer && (answer->all_event_masks & XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
+}
+
+// Until it manages a window: while it starts it may lose one.
+void WaitForWindowManager(const std::string& display) {
+    const Connection owner = Connect(display);
+    xcb_connection_t* const connection = owner.get();
+    const xcb_window_t root = Screen(connection).root;
+    WaitUntil([&] { return IsRedirected(connection, root); });
+    const xcb_window_t probe = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, probe, root, 0, 0, 50, 50, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    WaitUntil([&] {
+        xcb_map_window(connection, probe);
+        return IsViewable(connection, probe);
+    });
 }
 
 } // namespace
@@ -122,9 +142,11 @@ void XServer::StartServer() {
 }
 
 void XServer::StartWindowManager() {
+    const auto empty = Screenshot();
     m_windowManager = Start({"openbox", "--sm-disable"},
                             {"DISPLAY=" + m_name, "HOME=" + m_home, "PATH=/usr/bin:/bin"}, -1);
     WaitForWindowManager(m_name);
+    WaitUntil([&] { return Screenshot() == empty; });
 }
 
 void XServer::End() {

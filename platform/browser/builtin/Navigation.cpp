@@ -6,8 +6,8 @@
 
 #include "browser/builtin/BuiltinBrowser.h"
 #include "browser/builtin/Limits.h"
-#include "browser/common/PageDocument.h"
 #include "browser/common/BrowserEvents.h"
+#include "browser/common/PageDocument.h"
 
 namespace platform {
 

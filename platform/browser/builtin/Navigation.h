@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "browser/common/FrameBrowser.h"
 #include "browser/builtin/NetworkMessages.h"
+#include "browser/common/FrameBrowser.h"
 
 namespace platform {
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "browser/builtin/HtmlScan.h"
-#include "browser/common/ReplyBody.h"
 #include "browser/common/HeaderBlock.h"
 #include "browser/common/PageType.h"
+#include "browser/common/ReplyBody.h"
 
 namespace platform {
 

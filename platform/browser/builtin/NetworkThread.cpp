@@ -4,8 +4,8 @@
 #include <set>
 
 #include "browser/builtin/FilePage.h"
-#include "browser/common/FileUrl.h"
 #include "browser/builtin/Limits.h"
+#include "browser/common/FileUrl.h"
 #include "browser/common/PageUrl.h"
 #include "internet/CurlGlobal.h"
 

@@ -17,8 +17,7 @@ unsigned char* Output(std::string& text) {
 
 std::string EncodeBase64(std::string_view bytes) {
     std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0'); // the library adds a NUL
-    const int length =
-        EVP_EncodeBlock(Output(text), Input(bytes), static_cast<int>(bytes.size()));
+    const int length = EVP_EncodeBlock(Output(text), Input(bytes), static_cast<int>(bytes.size()));
     text.resize(static_cast<std::size_t>(length));
     return text;
 }

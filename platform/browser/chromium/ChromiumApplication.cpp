@@ -59,13 +59,14 @@ bool ChromiumApplication::Greet(std::string& error) {
                      {"filter", Json::array({{{"type", "page"}}})}});
     std::string failure;
     bool isAnswered = false;
-    connection.Send({}, "Target.createBrowserContext", {{"disposeOnDetach", true}},
-                    [&](DevToolsReply& reply) {
-                        m_context = TextOf(reply.result, "browserContextId");
-                        failure = reply.error;
-                        isAnswered = true;
-                    },
-                    kStartPatience);
+    connection.Send(
+        {}, "Target.createBrowserContext", {{"disposeOnDetach", true}},
+        [&](DevToolsReply& reply) {
+            m_context = TextOf(reply.result, "browserContextId");
+            failure = reply.error;
+            isAnswered = true;
+        },
+        kStartPatience);
     WaitFor([&] { return isAnswered; });
     if (!m_context.empty()) {
         // Nothing that pages offer for download lands on the disk.
@@ -96,8 +97,9 @@ bool ChromiumApplication::WaitFor(const std::function<bool()>& isDone) {
 
 void ChromiumApplication::OpenPage(const std::shared_ptr<ChromiumPage>& page) {
     m_opening.push_back(page);
-    Connection().Send({}, "Target.createTarget",
-                      {{"url", "about:blank"}, {"browserContextId", m_context}, {"newWindow", true}});
+    Connection().Send(
+        {}, "Target.createTarget",
+        {{"url", "about:blank"}, {"browserContextId", m_context}, {"newWindow", true}});
 }
 
 bool ChromiumApplication::OpenPageNow(const std::shared_ptr<ChromiumPage>& page) {

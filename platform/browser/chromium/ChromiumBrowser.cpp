@@ -28,8 +28,7 @@ HRESULT ChromiumBrowser::CreateControl(REFIID iid, void** ppObject) {
     return Create(ChromiumApplication::Windows::none, iid, ppObject);
 }
 
-HRESULT ChromiumBrowser::Create(ChromiumApplication::Windows windows, REFIID iid,
-                                void** ppObject) {
+HRESULT ChromiumBrowser::Create(ChromiumApplication::Windows windows, REFIID iid, void** ppObject) {
     *ppObject = nullptr;
     const auto browser = MakeObject<ChromiumBrowser>(windows);
     // What a sink makes while it is asked for a pop-up's window will show a page of the same
@@ -133,8 +132,8 @@ void ChromiumBrowser::LetGo() {
     if (!HasPage()) return;
     const auto page = std::exchange(m_page, nullptr);
     page->Detach();
-    const bool isWanted = m_windows == ChromiumApplication::Windows::onDisplay &&
-                          (!m_isPopUp || IsVisible());
+    const bool isWanted =
+        m_windows == ChromiumApplication::Windows::onDisplay && (!m_isPopUp || IsVisible());
     if (!isWanted)
         page->Application().ClosePage(page->Target());
     else if (page->Application().IsAlive())

@@ -34,8 +34,7 @@ void ChromiumPage::Send(const char* pszMethod, Json params, ReplyHandler onReply
 
 void ChromiumPage::SendTo(const std::string& session, const char* pszMethod, Json params,
                           ReplyHandler onReply) {
-    if (!onReply)
-        return m_application->Connection().Send(session, pszMethod, std::move(params));
+    if (!onReply) return m_application->Connection().Send(session, pszMethod, std::move(params));
     m_application->Connection().Send(
         session, pszMethod, std::move(params),
         [weak = weak_from_this(), onReply = std::move(onReply)](DevToolsReply& reply) {

@@ -1,5 +1,6 @@
 #include "browser/chromium/ChromiumProcess.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -71,17 +72,29 @@ std::vector<std::string> CommandLine(const std::string& browser, const std::stri
 }
 
 bool IsSetAnew(std::string_view variable) {
-    constexpr std::array<std::string_view, 5> names{"HOME=", "TMPDIR=", "DISPLAY=",
-                                                    "CHROMIUM_FLAGS=", "XDG_"};
+    constexpr std::array<std::string_view, 7> names{
+        "HOME=",       "TMPDIR=",         "DISPLAY=", "WAYLAND_DISPLAY=",
+        "XAUTHORITY=", "CHROMIUM_FLAGS=", "XDG_"};
     return std::any_of(names.begin(), names.end(),
                        [&](std::string_view name) { return variable.starts_with(name); });
 }
 
-// Ours, but whatever the browser writes lands in its profile directory.
+// What lets it onto the display lies in our home unless the variable says otherwise.
+std::optional<std::string> DisplayCredentials() {
+    if (const char* file = std::getenv("XAUTHORITY")) return file;
+    const char* const home = std::getenv("HOME");
+    return home ? std::optional(std::string(home) + "/.Xauthority") : std::nullopt;
+}
+
+// Ours, but whatever the browser writes lands in its profile directory, and its windows are on the
+// X display.
 std::vector<std::string> Environment(const std::string& profile,
                                      const std::optional<std::string>& display) {
     std::vector<std::string> variables{"HOME=" + profile, "TMPDIR=" + profile};
-    if (display) variables.push_back("DISPLAY=" + *display);
+    if (display) {
+        variables.push_back("DISPLAY=" + *display);
+        if (const auto file = DisplayCredentials()) variables.push_back("XAUTHORITY=" + *file);
+    }
     for (char** variable = environ; *variable; ++variable)
         if (!IsSetAnew(*variable)) variables.emplace_back(*variable);
     return variables;
@@ -89,8 +102,9 @@ std::vector<std::string> Environment(const std::string& profile,
 
 void WarnAboutSandbox() {
     static const bool isWarned = [] {
-        ReportDiagnostic(Severity::trace, "Browser", __LINE__,
-                         "warning: Chromium runs without its sandbox, because this process is root's");
+        ReportDiagnostic(
+            Severity::trace, "Browser", __LINE__,
+            "warning: Chromium runs without its sandbox, because this process is root's");
         return true;
     }();
     static_cast<void>(isWarned);
@@ -110,13 +124,13 @@ public:
     ~RunningChromium() override { Quit(); }
 
     void Converse(PipeEnds& commands, PipeEnds& answers, PipeEnds& errors) {
-        m_connection = DevToolsConnection::Start(std::move(commands.write),
-                                                 std::move(answers.read), std::move(errors.read));
+        m_connection = DevToolsConnection::Start(std::move(commands.write), std::move(answers.read),
+                                                 std::move(errors.read));
     }
 
     DevToolsConnection& Connection() override { return *m_connection; }
     bool IsHeadless() const override { return m_isHeadless; }
-    std::string WindowInstance() const override { return "chromium-browser (" + m_profile + ")"; }
+    std::string WindowInstance() const override { return "(" + m_profile + ")"; }
     const std::string& ProfileDirectory() const override { return m_profile; }
     void Quit() override {
         m_connection->Send({}, "Browser.close", nlohmann::json::object());

@@ -26,7 +26,7 @@ public:
 
     virtual DevToolsConnection& Connection() = 0;
     virtual bool IsHeadless() const = 0;
-    // The instance part of the WM_CLASS of its windows; no other process uses the same.
+    // How the instance part of its windows' WM_CLASS ends; no other process uses the same.
     virtual std::string WindowInstance() const = 0;
     virtual const std::string& ProfileDirectory() const = 0;
     // Asks it to quit and returns; what does not end by itself is ended. Once.

@@ -17,8 +17,8 @@ public:
 
     void SetEventHandler(EventHandler handler) override { m_onEvent = std::move(handler); }
     void SetEndHandler(std::function<void()> handler) override { m_onEnd = std::move(handler); }
-    void Send(const std::string& session, const char* pszMethod, Json params,
-              ReplyHandler onReply, std::chrono::milliseconds timeout) override;
+    void Send(const std::string& session, const char* pszMethod, Json params, ReplyHandler onReply,
+              std::chrono::milliseconds timeout) override;
     void Dispatch() override;
     bool WaitForMessages(std::chrono::milliseconds patience) override {
         return m_pipe->Wait(patience);
@@ -116,8 +116,8 @@ void PipeConnection::Close() {
 std::shared_ptr<DevToolsConnection> DevToolsConnection::Start(OwnedDescriptor toBrowser,
                                                               OwnedDescriptor fromBrowser,
                                                               OwnedDescriptor errorOutput) {
-    const auto pipe = std::make_shared<DevToolsPipe>(
-        std::move(toBrowser), std::move(fromBrowser), std::move(errorOutput));
+    const auto pipe = std::make_shared<DevToolsPipe>(std::move(toBrowser), std::move(fromBrowser),
+                                                     std::move(errorOutput));
     const auto connection = std::make_shared<PipeConnection>(pipe);
     pipe->Start([apartment = Apartment::OfThisThread(),
                  weak = std::weak_ptr<DevToolsConnection>(connection)] {

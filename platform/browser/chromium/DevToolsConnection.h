@@ -40,9 +40,8 @@ public:
 
     // Takes over the pipe's ends. `errorOutput` is what the browser's standard error comes out of;
     // its last lines are kept.
-    static std::shared_ptr<DevToolsConnection> Start(OwnedDescriptor toBrowser,
-                                                     OwnedDescriptor fromBrowser,
-                                                     OwnedDescriptor errorOutput);
+    static std::shared_ptr<DevToolsConnection>
+    Start(OwnedDescriptor toBrowser, OwnedDescriptor fromBrowser, OwnedDescriptor errorOutput);
     virtual ~DevToolsConnection() = default;
 
     // Owner's thread, from here on.

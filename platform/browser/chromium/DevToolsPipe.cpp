@@ -22,6 +22,7 @@ constexpr std::size_t kMaxMessageBytes = std::size_t{512} * 1024 * 1024;
 // What may wait for the owner before the browser has to.
 constexpr std::size_t kMaxWaitingBytes = std::size_t{64} * 1024 * 1024;
 constexpr std::size_t kMaxErrorText = 4096;
+constexpr std::size_t kChunkBytes = std::size_t{256} * 1024;
 constexpr auto kClosePatience = 2s;
 // The browser's last words may come behind the end of its pipe.
 constexpr int kLastWordsMilliseconds = 200;
@@ -30,12 +31,12 @@ void MakeNonBlocking(const OwnedDescriptor& descriptor) {
     if (descriptor.IsOpen()) fcntl(descriptor.Get(), F_SETFL, O_NONBLOCK);
 }
 
-// A browser that has gone is an error value, not a signal.
-void BlockPipeSignal() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+// A browser that has gone is an error value, not a signal; and signals meant for the program go to
+// its own threads.
+void BlockSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, nullptr);
 }
 
 bool IsTransient() {
@@ -48,7 +49,7 @@ DevToolsPipe::DevToolsPipe(OwnedDescriptor toBrowser, OwnedDescriptor fromBrowse
                            OwnedDescriptor errorOutput)
     : m_toBrowser(std::move(toBrowser)), m_fromBrowser(std::move(fromBrowser)),
       m_errorOutput(std::move(errorOutput)), m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      m_reader(kMaxMessageBytes) {
+      m_reader(kMaxMessageBytes), m_chunk(kChunkBytes) {
     MakeNonBlocking(m_toBrowser);
     MakeNonBlocking(m_fromBrowser);
     MakeNonBlocking(m_errorOutput);
@@ -124,7 +125,7 @@ bool DevToolsPipe::IsThrottled() const {
 }
 
 void DevToolsPipe::Run() {
-    BlockPipeSignal();
+    BlockSignals();
     while (Turn()) {
     }
     End();
@@ -138,11 +139,14 @@ bool DevToolsPipe::Turn() {
                                   {m_errorOutput.Get(), POLLIN, 0}}};
     {
         const std::lock_guard lock(m_mutex);
-        if (m_closeBy &&
-            (m_outgoing.empty() || std::chrono::steady_clock::now() >= *m_closeBy))
+        if (m_closeBy && (m_outgoing.empty() || std::chrono::steady_clock::now() >= *m_closeBy))
             return false;
         if (IsThrottled()) polled[1].fd = -1;
-        if (!m_outgoing.empty()) polled[2].events = POLLOUT;
+        // Not watched without need: a browser that no longer reads would be news all the time.
+        if (!m_outgoing.empty())
+            polled[2].events = POLLOUT;
+        else
+            polled[2].fd = -1;
     }
     if (poll(polled.data(), polled.size(), PollTimeout()) < 0 && errno != EINTR) return false;
     if (polled[0].revents) {
@@ -162,19 +166,18 @@ int DevToolsPipe::PollTimeout() {
     for (const auto& [call, deadline] : m_deadlines)
         if (!next || deadline < *next) next = deadline;
     if (!next) return -1;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(
-        *next - std::chrono::steady_clock::now());
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(*next - std::chrono::steady_clock::now());
     return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
 }
 
 bool DevToolsPipe::ReadMessages() {
-    static thread_local std::array<char, 256 * 1024> chunk;
-    const ssize_t count = read(m_fromBrowser.Get(), chunk.data(), chunk.size());
+    const ssize_t count = read(m_fromBrowser.Get(), m_chunk.data(), m_chunk.size());
     if (count < 0) return IsTransient();
     if (count == 0) return false;
     bool isInOrder = true;
     const bool isShortEnough =
-        m_reader.Feed({chunk.data(), static_cast<std::size_t>(count)},
+        m_reader.Feed({m_chunk.data(), static_cast<std::size_t>(count)},
                       [&](std::string_view text) { isInOrder = isInOrder && TakeMessage(text); });
     if (isInOrder && isShortEnough) return true;
     ReportDiagnostic(Severity::failure, "Browser", __LINE__,
@@ -191,7 +194,8 @@ bool DevToolsPipe::TakeMessage(std::string_view text) {
     const auto id = message.value.find("id");
     const bool isReply = id != message.value.end() && id->is_number_integer();
     const auto method = message.value.find("method");
-    if (!isReply && (method == message.value.end() || !method->is_string())) return false;
+    const bool isEvent = id == message.value.end() && method != message.value.end();
+    if (!isReply && !(isEvent && method->is_string())) return false;
     if (isReply) {
         const std::lock_guard lock(m_mutex);
         m_deadlines.erase(id->get<int>());

@@ -11,6 +11,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -67,6 +68,7 @@ private:
     OwnedDescriptor m_errorOutput; // thread only
     const OwnedDescriptor m_wake;
     FrameReader m_reader;
+    std::vector<char> m_chunk; // thread only: what is read at a time
     std::function<void()> m_announce;
     std::atomic<bool> m_isOpen{true};
 

@@ -13,8 +13,8 @@ namespace platform {
 class ChromiumPage;
 
 // The browser keeps the bytes beside its renderers and hands them out as a whole, all or nothing:
-// asked for as soon as the head is there. A document that is still on its way then is streamed: what
-// has come so far, and the rest as it comes.
+// asked for as soon as the head is there. A document that is still on its way then is streamed:
+// what has come so far, and the rest as it comes.
 class DocumentSource : public std::enable_shared_from_this<DocumentSource> {
 public:
     explicit DocumentSource(std::string request) : m_request(std::move(request)) {}

@@ -16,8 +16,7 @@ constexpr const char* kSourceLost = "the browser does not hand out the page's so
 
 } // namespace
 
-void PageLoads::Begin(const std::string& frame, const std::string& loader,
-                      const std::string& url) {
+void PageLoads::Begin(const std::string& frame, const std::string& loader, const std::string& url) {
     if (loader.empty() || frame.empty() || m_loads.contains(loader)) return;
     if (IsTop(frame) && m_client) {
         if (m_isClientDue) BeginClients(loader);
@@ -55,8 +54,7 @@ void PageLoads::BeginPages(const std::string& frame, const std::string& loader,
     face.SetStatusText({});
     face.SetReadyState(READYSTATE_LOADING);
     face.SetBusy(true);
-    const bool isWanted =
-        RaiseBeforeNavigate2(Browser().Events(), face.Dispatch(), load->request);
+    const bool isWanted = RaiseBeforeNavigate2(Browser().Events(), face.Dispatch(), load->request);
     if (IsOver(load)) return;
     if (!isWanted) {
         m_page.Send("Page.stopLoading");
@@ -70,12 +68,11 @@ void PageLoads::TakeHead(const DocumentLoadPtr& load, const std::string& session
     const auto source = load->source;
     load->document = CComPtr<IDispatch>(MakeObject<PageDocument>(source->Body()));
     if (IsTop(load->frame)) m_override.Finish();
-    source->Begin(m_page, session,
-                  [weak = weak_from_this(), weakLoad = std::weak_ptr(load)] {
-                      const auto self = weak.lock();
-                      const auto changed = weakLoad.lock();
-                      if (self && changed) self->OnSourceChanged(changed);
-                  });
+    source->Begin(m_page, session, [weak = weak_from_this(), weakLoad = std::weak_ptr(load)] {
+        const auto self = weak.lock();
+        const auto changed = weakLoad.lock();
+        if (self && changed) self->OnSourceChanged(changed);
+    });
     BrowserObject& face = Face(*load);
     face.SetLocation(load->url);
     face.SetDocument(load->document);
@@ -137,8 +134,8 @@ bool PageLoads::AreFramesDone(const std::string& parent) const {
     return std::all_of(m_frames.begin(), m_frames.end(), [&](const auto& entry) {
         const Frame& frame = entry.second;
         if (frame.parent != parent || entry.first == parent) return true;
-        const bool isDone = (!frame.next || frame.next->isDone) &&
-                            (!frame.current || frame.current->isDone);
+        const bool isDone =
+            (!frame.next || frame.next->isDone) && (!frame.current || frame.current->isDone);
         return isDone && AreFramesDone(entry.first);
     });
 }

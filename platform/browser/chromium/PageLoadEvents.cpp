@@ -169,8 +169,11 @@ void PageLoads::OnNavigationRequested(const DevToolsEvent& event) {
 void PageLoads::OnNavigationScheduled(const DevToolsEvent& event) {
     const std::string reason = TextOf(event.params, "reason");
     if (reason != "metaTagRefresh" && reason != "httpHeaderRefresh") return;
-    if (NumberOf(event.params, "delay") == 0) OnNavigationRequested({event.session, {}, {
-        {"frameId", TextOf(event.params, "frameId")}, {"disposition", "currentTab"}}});
+    if (NumberOf(event.params, "delay") == 0)
+        OnNavigationRequested(
+            {event.session,
+             {},
+             {{"frameId", TextOf(event.params, "frameId")}, {"disposition", "currentTab"}}});
 }
 
 void PageLoads::OnNavigationCleared(const DevToolsEvent& event) {

@@ -37,7 +37,7 @@ public:
 
 private:
     struct Frame {
-        std::string parent; // empty: the top level
+        std::string parent;         // empty: the top level
         CComPtr<FrameBrowser> face; // null for the top level
         DocumentLoadPtr current;    // shown
         DocumentLoadPtr next;       // requested, not shown yet

@@ -19,7 +19,7 @@ constexpr unsigned long long kRoomBytes = 64ull * 1024 * 1024;
 constexpr const char* kCertificateTool = "certutil";
 
 bool HasRoom(const char* pszDirectory) {
-    struct statvfs room{};
+    struct statvfs room {};
     return statvfs(pszDirectory, &room) == 0 && access(pszDirectory, W_OK | X_OK) == 0 &&
            static_cast<unsigned long long>(room.f_bavail) * room.f_frsize >= kRoomBytes;
 }

@@ -42,10 +42,9 @@ bool HasField(const Json& fields, const char* pszName) {
 
 // Fields of a reply that would keep its body from being shown as the text that it is.
 bool SaysWhatTheBodyIs(const std::string& name) {
-    constexpr std::array<const char*, 7> fields{"Content-Type",     "Content-Disposition",
-                                                "Content-Encoding", "Content-Length",
-                                                "Transfer-Encoding", "X-Content-Type-Options",
-                                                "Refresh"};
+    constexpr std::array<const char*, 7> fields{
+        "Content-Type",      "Content-Disposition",    "Content-Encoding", "Content-Length",
+        "Transfer-Encoding", "X-Content-Type-Options", "Refresh"};
     return std::any_of(fields.begin(), fields.end(),
                        [&](const char* known) { return EqualsIgnoringCase(name, known); });
 }
@@ -142,8 +141,8 @@ void RequestOverride::ChangeRedirect(const Json& params) {
     m_lastUrl = url;
     if (TextOf(request, "method") != "POST") return Release(params);
     if (!isSameOrigin) {
-        m_page.Send("Fetch.failRequest", {{"requestId", TextOf(params, "requestId")},
-                                          {"errorReason", "Aborted"}});
+        m_page.Send("Fetch.failRequest",
+                    {{"requestId", TextOf(params, "requestId")}, {"errorReason", "Aborted"}});
         if (const auto onRefused = m_onRefused)
             onRefused("the server redirects the post data to another origin");
         return;
@@ -174,7 +173,8 @@ void RequestOverride::ChangeReply(const Json& params) {
     std::string type;
     for (const Json& field : params.value("responseHeaders", Json::array())) {
         const std::string name = TextOf(field, "name");
-        if (EqualsIgnoringCase(name, kContentType)) type = WithoutParameters(TextOf(field, "value"));
+        if (EqualsIgnoringCase(name, kContentType))
+            type = WithoutParameters(TextOf(field, "value"));
         if (!SaysWhatTheBodyIs(name)) headers.push_back(field);
     }
     const int status = NumberOf(params, "responseStatusCode");

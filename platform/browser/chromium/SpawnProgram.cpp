@@ -90,9 +90,9 @@ std::optional<pid_t> StartProgram(const ProgramStart& start) {
     const auto arguments = Pointers(start.command);
     const auto environment = Pointers(start.environment);
     pid_t program = 0;
-    const int error = posix_spawnp(&program, arguments[0], actions.Close(), attributes.Get(),
-                                   arguments.data(),
-                                   start.environment.empty() ? environ : environment.data());
+    const int error =
+        posix_spawnp(&program, arguments[0], actions.Close(), attributes.Get(), arguments.data(),
+                     start.environment.empty() ? environ : environment.data());
     errno = error;
     return error == 0 ? std::optional(program) : std::nullopt;
 }
@@ -100,7 +100,7 @@ std::optional<pid_t> StartProgram(const ProgramStart& start) {
 bool WaitForProgram(pid_t program) {
     int status = 0;
     while (waitpid(program, &status, 0) < 0)
-        if (errno != EINTR) return false;
+        if (errno != EINTR) return errno == ECHILD; // the host program ignores its children's ends
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 

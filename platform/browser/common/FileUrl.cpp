@@ -53,8 +53,8 @@ std::string UrlOfFileName(const std::string& fileName) {
     std::string url = "file://";
     for (const char ch : fileName) {
         const auto byte = static_cast<unsigned char>(ch);
-        const bool isAlphanumeric = (ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'Z') ||
-                                    (ch >= 'a' && ch <= 'z');
+        const bool isAlphanumeric =
+            (ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'Z') || (ch >= 'a' && ch <= 'z');
         if (isAlphanumeric || plain.find(ch) != std::string_view::npos)
             url += ch;
         else

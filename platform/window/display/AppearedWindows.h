@@ -32,7 +32,7 @@ public:
     bool IsClosed();
 
 private:
-    const std::string m_instance; // first part of the windows' WM_CLASS
+    const std::string m_instance; // end of the first part of the windows' WM_CLASS
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::shared_ptr<DisplayWindow>> m_windows;

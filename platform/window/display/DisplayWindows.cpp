@@ -78,7 +78,7 @@ void DisplayWindows::Recognise(xcb_window_t window, Stranger& stranger) {
     const std::string instance = m_connection.InstanceOf(window);
     if (instance.empty()) return;
     const auto watch = std::find_if(m_watches.begin(), m_watches.end(), [&](const auto& one) {
-        return one->Instance() == instance && !one->IsClosed();
+        return instance.ends_with(one->Instance()) && !one->IsClosed();
     });
     if (watch == m_watches.end()) return;
     stranger.watch = *watch;
@@ -88,6 +88,7 @@ void DisplayWindows::Recognise(xcb_window_t window, Stranger& stranger) {
 void DisplayWindows::OnMap(xcb_window_t window) {
     if (const auto known = m_known.find(window); known != m_known.end()) {
         known->second.isMapped = true;
+        if (!known->second.mayShow) m_connection.Withdraw(window);
         Note(known->second);
     } else if (const auto stranger = m_strangers.extract(window)) {
         Decide(window, stranger.mapped());
@@ -108,6 +109,7 @@ void DisplayWindows::Decide(xcb_window_t window, const Stranger& stranger) {
     if (isAwaited) known.awaiting = stranger.watch;
     if (isDialog) {
         known.owner = ownerId;
+        known.mayShow = true;
         if (owner->second.queue) Enter(window, owner->second.queue);
     }
     Note(known);
@@ -204,6 +206,13 @@ void DisplayWindows::Remove(const AppearedWindows& watch) {
     }
 }
 
+void DisplayWindows::MapFirstHeld(const AppearedWindows& watch) {
+    const auto held = std::find_if(m_strangers.begin(), m_strangers.end(), [&](const auto& entry) {
+        return entry.second.watch.get() == &watch && entry.second.isHeld;
+    });
+    if (held != m_strangers.end()) m_connection.Map(held->first);
+}
+
 void DisplayWindows::Enter(xcb_window_t window, std::shared_ptr<MessageQueue> queue) {
     const auto found = m_known.find(window);
     if (found == m_known.end()) return;
@@ -216,8 +225,8 @@ void DisplayWindows::Enter(xcb_window_t window, std::shared_ptr<MessageQueue> qu
     state.foreign = known.window;
     state.isVisible = known.window->IsVisible();
     if (known.owner) state.parent = reinterpret_cast<HWND>(std::uintptr_t{known.owner});
-    WindowTable::Get().AddForeign(known.window->Handle(), std::move(state));
-    known.window->NoteEntered();
+    if (WindowTable::Get().AddForeign(known.window->Handle(), std::move(state)))
+        known.window->NoteEntered();
 }
 
 void DisplayWindows::Forget(xcb_window_t window) {
@@ -229,7 +238,9 @@ void DisplayWindows::Forget(xcb_window_t window) {
 }
 
 void DisplayWindows::Show(xcb_window_t window, bool isVisible) {
-    if (!m_known.contains(window)) return;
+    const auto known = m_known.find(window);
+    if (known == m_known.end()) return;
+    known->second.mayShow = true;
     if (isVisible)
         m_connection.Map(window);
     else

@@ -29,6 +29,9 @@ public:
     // Commands; those for a window that is gone do nothing.
     void Add(std::shared_ptr<AppearedWindows> watch);
     void Remove(const AppearedWindows& watch);
+    // A window manager drops the wish to map a window that was held aside just after the wish: the
+    // first one that is held for the watch is mapped in its application's place.
+    void MapFirstHeld(const AppearedWindows& watch);
     // Into the window table, as a window of the queue's thread; its dialogs will follow.
     void Enter(xcb_window_t window, std::shared_ptr<MessageQueue> queue);
     void Forget(xcb_window_t window);
@@ -45,6 +48,7 @@ private:
         xcb_window_t owner = XCB_WINDOW_NONE;      // of a dialog
         std::shared_ptr<AppearedWindows> awaiting; // until it is withdrawn
         std::shared_ptr<MessageQueue> queue;       // once it is in the window table
+        bool mayShow = false; // a new window stays withdrawn until somebody shows it
         bool isMapped = true;
         bool isViewable = false;
         std::uint32_t wmState = 0;

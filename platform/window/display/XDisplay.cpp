@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <future>
@@ -16,6 +17,7 @@ namespace platform {
 namespace {
 
 constexpr std::chrono::seconds kPatienceWithTheServer{5};
+constexpr std::chrono::seconds kLostAfter{1}; // for a window that should have been mapped
 
 class XDisplay;
 
@@ -68,18 +70,28 @@ public:
     XWindowWatch& operator=(const XWindowWatch&) = delete;
 
     std::unique_ptr<BrowserWindow> TakeWindow(std::chrono::milliseconds patience) override {
-        const auto end = std::chrono::steady_clock::now() + patience;
-        while (auto window = m_appeared->Take(end)) {
-            m_commands->Post([id = window->Id(), queue = MessageQueue::OfThisThread()](
-                                 DisplayWindows& windows) { windows.Enter(id, queue); });
-            const bool isEntered = window->WaitUntilEntered();
-            auto taken = std::make_unique<WindowOnDisplay>(m_display, m_commands, window);
-            if (isEntered) return taken;
+        using Clock = std::chrono::steady_clock;
+        for (const auto end = Clock::now() + patience; Clock::now() < end;) {
+            const auto window = m_appeared->Take(std::min(end, Clock::now() + kLostAfter));
+            if (auto taken = window ? Enter(window) : nullptr) return taken;
+            if (m_appeared->IsClosed() || Clock::now() >= end) break;
+            m_commands->Post([appeared = m_appeared](DisplayWindows& windows) {
+                windows.MapFirstHeld(*appeared);
+            });
         }
         return nullptr;
     }
 
 private:
+    // Null when the window is gone already.
+    std::unique_ptr<BrowserWindow> Enter(const std::shared_ptr<DisplayWindow>& window) {
+        m_commands->Post([id = window->Id(), queue = MessageQueue::OfThisThread()](
+                             DisplayWindows& windows) { windows.Enter(id, queue); });
+        const bool isEntered = window->WaitUntilEntered();
+        auto taken = std::make_unique<WindowOnDisplay>(m_display, m_commands, window);
+        return isEntered ? std::move(taken) : nullptr;
+    }
+
     const std::shared_ptr<XDisplay> m_display;
     const std::shared_ptr<CommandQueue> m_commands;
     const std::shared_ptr<AppearedWindows> m_appeared;

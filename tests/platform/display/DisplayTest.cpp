@@ -39,7 +39,9 @@ protected:
     bool HasWindowManager() const { return GetParam() != WindowManager::none; }
 
     std::unique_ptr<BrowserWindow> TakeNew(const char* title) {
-        application.Map(application.Make("browser (1)", title));
+        const xcb_window_t made = application.Make("browser (1)", title);
+        PumpFor(milliseconds(20)); // a browser takes longer
+        application.Map(made);
         auto window = watch->TakeWindow(kPatience);
         if (!window) throw std::runtime_error("the window was not found");
         window->OnVisibleChanged([this](bool isVisible) {
