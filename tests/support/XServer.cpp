@@ -150,8 +150,8 @@ void XServer::StartWindowManager() {
 }
 
 void XServer::End() {
-    EndProcess(m_windowManager);
     EndProcess(m_server);
+    EndProcess(m_windowManager); // last, so that it does not rearrange anything
 }
 
 std::vector<std::uint8_t> XServer::Screenshot() const {

@@ -95,16 +95,19 @@ void DisplayWindows::OnMap(xcb_window_t window) {
     }
 }
 
-void DisplayWindows::Decide(xcb_window_t window, const Stranger& stranger) {
+void DisplayWindows::Decide(xcb_window_t window, Stranger stranger) {
     const xcb_window_t ownerId = m_connection.OwnerOf(window);
     const auto owner = m_known.find(ownerId);
     const bool isDialog = owner != m_known.end();
     const bool isAwaited = !isDialog && stranger.watch && !stranger.watch->IsClosed();
-    if (isAwaited) m_connection.Withdraw(window);
-    Free(window, stranger);
+    if (isAwaited)
+        m_connection.Withdraw(window);
+    else
+        Free(window, stranger);
     if (!isDialog && !isAwaited) return;
     Known& known = m_known[window];
     known.window = std::make_shared<DisplayWindow>(window, m_commands);
+    known.isHeld = stranger.isHeld;
     known.wmState = m_connection.WmStateOf(window);
     if (isAwaited) known.awaiting = stranger.watch;
     if (isDialog) {
@@ -113,10 +116,6 @@ void DisplayWindows::Decide(xcb_window_t window, const Stranger& stranger) {
         if (owner->second.queue) Enter(window, owner->second.queue);
     }
     Note(known);
-}
-
-void DisplayWindows::Free(xcb_window_t window, const Stranger& stranger) {
-    if (stranger.isHeld) m_connection.Release(window);
 }
 
 void DisplayWindows::OnUnmap(xcb_window_t window) {
@@ -186,9 +185,14 @@ void DisplayWindows::Drop(const Known& known, bool isReported) {
 void DisplayWindows::Leave(bool isBroken) {
     for (const auto& watch : m_watches)
         watch->Close();
-    for (const auto& [id, known] : m_known)
+    for (auto& [id, stranger] : m_strangers)
+        Free(id, stranger);
+    for (auto& [id, known] : m_known) {
+        Free(id, known); // what is held aside goes down with the connection
         Drop(known, isBroken);
+    }
     m_known.clear();
+    m_connection.Sync();
 }
 
 void DisplayWindows::Add(std::shared_ptr<AppearedWindows> watch) {
@@ -230,21 +234,25 @@ void DisplayWindows::Enter(xcb_window_t window, std::shared_ptr<MessageQueue> qu
 }
 
 void DisplayWindows::Forget(xcb_window_t window) {
-    std::erase_if(m_known, [&](auto& entry) {
-        const bool isItsOwn = entry.first == window || entry.second.owner == window;
-        if (isItsOwn) Drop(entry.second, false);
-        return isItsOwn;
-    });
+    for (auto entry = m_known.begin(); entry != m_known.end();) {
+        Known& known = entry->second;
+        if (entry->first != window && known.owner != window) {
+            ++entry;
+            continue;
+        }
+        Free(entry->first, known);
+        Drop(known, false);
+        entry = m_known.erase(entry);
+    }
 }
 
 void DisplayWindows::Show(xcb_window_t window, bool isVisible) {
     const auto known = m_known.find(window);
     if (known == m_known.end()) return;
+    if (!isVisible) return m_connection.Withdraw(window);
     known->second.mayShow = true;
-    if (isVisible)
-        m_connection.Map(window);
-    else
-        m_connection.Withdraw(window);
+    Free(window, known->second);
+    m_connection.Map(window);
 }
 
 void DisplayWindows::Raise(xcb_window_t window) {

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "window/display/AppearedWindows.h"
@@ -17,7 +18,7 @@ class MessageQueue;
 // The display's thread only. A new top-level window is a stranger until it is mapped; one of a
 // watched application is then withdrawn and known from there on, one that belongs to a known
 // window (a dialog) is known, too, and any other is forgotten. So that a watched application's
-// window is never seen, it is held aside as soon as its class tells whose it is.
+// window is never seen, it is held aside from when its class tells whose it is until it is shown.
 class DisplayWindows {
 public:
     DisplayWindows(XConnection& connection, std::shared_ptr<CommandQueue> commands);
@@ -48,6 +49,7 @@ private:
         xcb_window_t owner = XCB_WINDOW_NONE;      // of a dialog
         std::shared_ptr<AppearedWindows> awaiting; // until it is withdrawn
         std::shared_ptr<MessageQueue> queue;       // once it is in the window table
+        bool isHeld = false;                       // until it is shown for the first time
         bool mayShow = false; // a new window stays withdrawn until somebody shows it
         bool isMapped = true;
         bool isViewable = false;
@@ -62,8 +64,12 @@ private:
     void OnFocus(const xcb_focus_in_event_t& event, bool isActive);
 
     void Recognise(xcb_window_t window, Stranger& stranger);
-    void Decide(xcb_window_t window, const Stranger& stranger);
-    void Free(xcb_window_t window, const Stranger& stranger);
+    void Decide(xcb_window_t window, Stranger stranger);
+    // Lets go of a window that is held aside.
+    template <class TWindow>
+    void Free(xcb_window_t id, TWindow& window) {
+        if (std::exchange(window.isHeld, false)) m_connection.Release(id);
+    }
     void Note(Known& known);
     void NoteTitle(const Known& known);
     void Drop(const Known& known, bool isReported);
