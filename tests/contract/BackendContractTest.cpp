@@ -44,6 +44,8 @@ protected:
         m_scriptedApplication.emplace(2u);
     }
 
+    ~BackendContract() override { m_backend->Disconnect(); }
+
     // A page at a path; the scripted browser shows the page that was set last.
     void Serve(const std::string& path, const Answer& answer) {
         m_server.Set(path, answer);

@@ -27,6 +27,8 @@ struct DocumentLoad {
     std::shared_ptr<DocumentSource> source;
     CComPtr<IDispatch> document;
 
+    std::size_t announcedBytes = 0; // by the head; 0 when it does not say
+
     bool isByClient = false; // else by the page itself
     bool hasHead = false;
     bool isLoaded = false;     // the page's own loading has ended

@@ -13,6 +13,7 @@ namespace platform {
 namespace {
 
 constexpr const char* kSourceLost = "the browser does not hand out the page's source";
+constexpr const char* kBrokenOff = "the connection broke off";
 
 } // namespace
 
@@ -126,8 +127,12 @@ void PageLoads::CompleteIfReady(const DocumentLoadPtr& load) {
         return;
     }
     if (load->isLoaded && load->source->IsSettled() && frame.current == load && !frame.next &&
-        !frame.isLeaving && AreFramesDone(load->frame))
+        !frame.isLeaving && AreFramesDone(load->frame)) {
+        // The browser does not always say that a reply has broken off.
+        if (load->source->Body()->Size() < load->announcedBytes)
+            return Fail(load, kBrokenOff, Aftermath::errorPage);
         Complete(load);
+    }
 }
 
 bool PageLoads::AreFramesDone(const std::string& parent) const {

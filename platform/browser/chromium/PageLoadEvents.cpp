@@ -1,4 +1,5 @@
 // What a page loads: the browser's events.
+#include <charconv>
 #include <string_view>
 #include <unordered_map>
 
@@ -29,6 +30,16 @@ ReplyType TypeOf(const Json& response) {
     type.isAttachment =
         WithoutParameters(HeaderValue(headers, "Content-Disposition")) == "attachment";
     return type;
+}
+
+// Of a body that is sent as it is; 0 when the head does not say.
+std::size_t AnnouncedBytes(const Json& response) {
+    const Json& headers = ObjectOf(response, "headers");
+    const std::string length = HeaderValue(headers, "Content-Length");
+    const bool isPlain = HeaderValue(headers, "Content-Encoding").empty();
+    std::size_t bytes = 0;
+    if (isPlain) std::from_chars(length.data(), length.data() + length.size(), bytes);
+    return bytes;
 }
 
 std::string WithFragment(const std::string& url, const std::string& asked) {
@@ -95,6 +106,7 @@ void PageLoads::OnResponse(const DevToolsEvent& event) {
         if (IsTop(load->frame)) m_page.Send("Page.stopLoading");
         return Fail(load, reason, Aftermath::pageStays);
     }
+    load->announcedBytes = AnnouncedBytes(response);
     TakeHead(load, event.session);
 }
 
@@ -145,8 +157,9 @@ void PageLoads::OnStoppedLoading(const DevToolsEvent& event) {
     const auto found = m_frames.find(TextOf(event.params, "frameId"));
     if (found == m_frames.end()) return;
     const DocumentLoadPtr load = found->second.current;
-    if (!load || found->second.next) return;
+    if (!load || IsOver(load) || found->second.next) return;
     load->isLoaded = true;
+    load->source->OnFinished();
     CompleteIfReady(load);
 }
 

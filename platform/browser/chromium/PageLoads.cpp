@@ -117,6 +117,8 @@ void PageLoads::Request(const DocumentLoadPtr& load) {
 void PageLoads::OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply& reply) {
     if (IsOver(load)) return;
     const std::string failure = reply.IsOk() ? TextOf(reply.result, "errorText") : reply.error;
+    // It comes when the page is shown; a renderer that is just starting may not report that.
+    if (failure.empty() && load->hasHead && Top().next == load) return Commit(load);
     if (failure.empty() || load->hasHead || ShowAuthentication(load, failure)) return;
     if (load != m_client && m_client) return; // asked for again
     Fail(load, NetErrorText(failure, load->url), Aftermath::errorPage);
