@@ -104,7 +104,7 @@ void ChromiumApplication::OpenPage(const std::shared_ptr<ChromiumPage>& page) {
 
 bool ChromiumApplication::OpenPageNow(const std::shared_ptr<ChromiumPage>& page) {
     OpenPage(page);
-    return WaitFor([&] { return page->IsAttached(); });
+    return WaitFor([&] { return page->IsReady(); });
 }
 
 void ChromiumApplication::Adopt(const std::shared_ptr<ChromiumPage>& page,

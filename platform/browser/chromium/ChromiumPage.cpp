@@ -63,7 +63,8 @@ void ChromiumPage::Enable(const std::string& session) {
             {"maxResourceBufferSize", kMaxDocumentBytes}});
     SendTo(session, "Target.setAutoAttach", AutoAttachTo("iframe"));
     if (m_browser && m_browser->IsOffline()) m_loads->SetOffline(true);
-    SendTo(session, "Runtime.runIfWaitingForDebugger", Json::object());
+    SendTo(session, "Runtime.runIfWaitingForDebugger", Json::object(),
+           [this](DevToolsReply&) { m_isReady = true; });
 }
 
 void ChromiumPage::OnEvent(DevToolsEvent& event) {

@@ -30,6 +30,8 @@ public:
     const std::string& Target() const { return m_target; }
     const std::string& Session() const { return m_session; }
     bool IsAttached() const { return !m_session.empty(); }
+    // Its renderer reports what happens. What is loaded earlier may go by unreported.
+    bool IsReady() const { return m_isReady; }
 
     // To the page's main session; what is sent before there is one waits for it. Handlers run only
     // while the browser object lives.
@@ -64,6 +66,7 @@ private:
     std::string m_session;
     std::set<std::string> m_frameSessions; // of frames that live in processes of their own
     std::vector<Waiting> m_waiting;
+    bool m_isReady = false;
 };
 
 } // namespace platform
