@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <thread>
 
 #include <sys/prctl.h>
@@ -50,13 +51,14 @@ std::set<std::string> AllProfileDirectories() {
 }
 
 std::string AllCommandLines() {
-    std::string all;
+    std::ostringstream all;
     std::error_code error;
     for (const auto& process : std::filesystem::directory_iterator("/proc", error)) {
         std::ifstream file(process.path() / "cmdline", std::ios::binary);
-        all.append(std::istreambuf_iterator<char>(file), {});
+        all << file.rdbuf(); // which does not throw when the process ends meanwhile
+        all.clear();         // nothing came
     }
-    return all;
+    return all.str();
 }
 
 } // namespace

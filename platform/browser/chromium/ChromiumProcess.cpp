@@ -183,8 +183,9 @@ std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std
     auto answers = MakePipe();
     auto errors = MakePipe();
     auto life = MakePipe();
-    const std::string profile = MakeProfileDirectory();
-    if (!commands || !answers || !errors || !life || profile.empty()) {
+    const bool hasPipes = commands && answers && errors && life;
+    const std::string profile = hasPipes ? MakeProfileDirectory() : std::string();
+    if (profile.empty()) {
         error = std::string("no directory or no pipe for Chromium: ") + std::strerror(errno);
         return nullptr;
     }
@@ -192,6 +193,9 @@ std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std
     TrustFurtherCertificates(profile);
     if (!StartSupervised(*browser, profile, display, *commands, *answers, *errors, *life)) {
         error = std::string("Chromium cannot be started: ") + std::strerror(errno);
+        // Removing a directory takes a descriptor, and there may be none to spare.
+        for (auto* pipe : {&commands, &answers, &errors, &life})
+            pipe->reset();
         std::error_code ignored;
         std::filesystem::remove_all(profile, ignored);
         return nullptr;

@@ -10,6 +10,11 @@
 namespace platform {
 namespace {
 
+Json TakeObject(Json& message, const char* pszKey) {
+    const auto found = message.find(pszKey);
+    return found != message.end() && found->is_object() ? std::move(*found) : Json::object();
+}
+
 class PipeConnection final : public DevToolsConnection {
 public:
     explicit PipeConnection(std::shared_ptr<DevToolsPipe> pipe) : m_pipe(std::move(pipe)) {}
@@ -73,13 +78,13 @@ void PipeConnection::Handle(PipeMessage& message) {
             reply.error = TextOf(*error, "message");
             if (reply.error.empty()) reply.error = "unknown error";
         } else {
-            reply.result = std::move(value["result"]);
+            reply.result = TakeObject(value, "result");
         }
         return HandleReply(id->get<int>(), reply);
     }
     if (!m_onEvent) return;
     DevToolsEvent event{TextOf(value, "sessionId"), TextOf(value, "method"),
-                        std::move(value["params"])};
+                        TakeObject(value, "params")};
     const EventHandler handler = m_onEvent; // it may set another one
     handler(event);
 }

@@ -25,7 +25,7 @@ constexpr std::size_t kMaxErrorText = 4096;
 constexpr std::size_t kChunkBytes = std::size_t{256} * 1024;
 constexpr auto kClosePatience = 2s;
 // The browser's last words may come behind the end of its pipe.
-constexpr int kLastWordsMilliseconds = 200;
+constexpr std::chrono::milliseconds kLastWordsPause = 200ms;
 
 void MakeNonBlocking(const OwnedDescriptor& descriptor) {
     if (descriptor.IsOpen()) fcntl(descriptor.Get(), F_SETFL, O_NONBLOCK);
@@ -37,6 +37,10 @@ void BlockSignals() {
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, nullptr);
+}
+
+bool IsCallNumber(const nlohmann::json& id) {
+    return id.is_number_integer() && id == nlohmann::json(id.get<int>());
 }
 
 bool IsTransient() {
@@ -93,10 +97,11 @@ std::optional<PipeMessage> DevToolsPipe::Take() {
 bool DevToolsPipe::Wait(std::chrono::milliseconds patience) {
     std::unique_lock lock(m_mutex);
     if (m_waiters++ == 0) Wake();
-    const bool hasArrived =
-        m_arrived.wait_for(lock, patience, [this] { return !m_messages.empty(); });
+    m_arrived.wait_for(lock, patience, [this] { return !m_messages.empty(); });
+    // The end is known before its message comes: nobody is to miss that in between.
+    if (!m_isOpen) m_arrived.wait(lock, [this] { return !m_messages.empty() || m_hasEnded; });
     --m_waiters;
-    return hasArrived;
+    return !m_messages.empty();
 }
 
 void DevToolsPipe::Close() {
@@ -192,7 +197,7 @@ bool DevToolsPipe::TakeMessage(std::string_view text) {
     message.bytes = text.size();
     if (!message.value.is_object()) return false;
     const auto id = message.value.find("id");
-    const bool isReply = id != message.value.end() && id->is_number_integer();
+    const bool isReply = id != message.value.end() && IsCallNumber(*id);
     const auto method = message.value.find("method");
     const bool isEvent = id == message.value.end() && method != message.value.end();
     if (!isReply && !(isEvent && method->is_string())) return false;
@@ -273,17 +278,27 @@ void DevToolsPipe::Put(PipeMessage message) {
     m_announce();
 }
 
+// Until there are no more for a moment; what the browser has started may never stop.
+void DevToolsPipe::ReadLastWords() {
+    const auto end = std::chrono::steady_clock::now() + 5 * kLastWordsPause;
+    pollfd polled{m_errorOutput.Get(), POLLIN, 0};
+    while (m_errorOutput.IsOpen() && std::chrono::steady_clock::now() < end &&
+           poll(&polled, 1, static_cast<int>(kLastWordsPause.count())) > 0)
+        ReadErrorOutput();
+}
+
 void DevToolsPipe::End() {
     m_isOpen = false;
     m_toBrowser.Close();
     m_fromBrowser.Close();
-    pollfd polled{m_errorOutput.Get(), POLLIN, 0};
-    while (m_errorOutput.IsOpen() && poll(&polled, 1, kLastWordsMilliseconds) > 0)
-        ReadErrorOutput();
+    ReadLastWords();
     m_errorOutput.Close();
     PipeMessage message;
     message.kind = PipeMessage::Kind::end;
     Put(std::move(message));
+    const std::lock_guard lock(m_mutex);
+    m_hasEnded = true;
+    m_arrived.notify_all();
 }
 
 } // namespace platform

@@ -54,6 +54,7 @@ private:
     int PollTimeout();
     bool ReadMessages();
     void ReadErrorOutput();
+    void ReadLastWords();
     bool WriteMessages();
     void ReportTimeouts();
     bool TakeMessage(std::string_view text);
@@ -77,6 +78,7 @@ private:
     std::deque<PipeMessage> m_messages;
     std::size_t m_messageBytes = 0;
     int m_waiters = 0;
+    bool m_hasEnded = false; // the message of the end has been put
     bool m_isAnnounced = false;
     std::deque<std::string> m_outgoing;
     std::size_t m_written = 0; // of the first outgoing message

@@ -34,12 +34,14 @@ public:
 
     void Give(int own, int number) {
         m_copies.emplace_back(fcntl(own, F_DUPFD_CLOEXEC, kOutOfTheWay));
+        if (!m_copies.back().IsOpen()) m_error = errno;
         posix_spawn_file_actions_adddup2(&m_actions, m_copies.back().Get(), number);
         m_last = std::max(m_last, number);
     }
     void GiveNull(int number) {
         posix_spawn_file_actions_addopen(&m_actions, number, "/dev/null", O_RDWR, 0);
     }
+    int Error() const { return m_error; }
     posix_spawn_file_actions_t* Close() {
         posix_spawn_file_actions_addclosefrom_np(&m_actions, m_last + 1);
         return &m_actions;
@@ -49,6 +51,7 @@ private:
     posix_spawn_file_actions_t m_actions;
     std::vector<OwnedDescriptor> m_copies;
     int m_last = 2;
+    int m_error = 0;
 };
 
 class Attributes {
@@ -86,6 +89,10 @@ std::optional<pid_t> StartProgram(const ProgramStart& start) {
         if (!IsGiven(start, number)) actions.GiveNull(number);
     for (const auto& [own, number] : start.descriptors)
         actions.Give(own, number);
+    if (actions.Error() != 0) {
+        errno = actions.Error();
+        return std::nullopt;
+    }
     const Attributes attributes;
     const auto arguments = Pointers(start.command);
     const auto environment = Pointers(start.environment);

@@ -4,6 +4,8 @@
 # is done with the browser.
 profile=$1
 shift
+# Whatever our caller searches: what is called here must be found.
+PATH=${PATH:+$PATH:}/usr/bin:/bin
 (
   # A session of its own, so that its process group holds all that it starts.
   setsid "$@" 5<&- &

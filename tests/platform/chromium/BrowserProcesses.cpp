@@ -18,7 +18,9 @@ using Clock = std::chrono::steady_clock;
 // Empty also for a process that has ended and waits to be collected.
 std::string CommandLineOf(pid_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/cmdline", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream text;
+    text << file.rdbuf(); // which does not throw when the process ends meanwhile
+    return text.str();
 }
 
 struct State {

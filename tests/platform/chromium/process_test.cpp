@@ -14,6 +14,7 @@
 #include "browser/chromium/ChromiumProcess.h"
 #include "browser/chromium/SpawnProgram.h"
 #include "platform/chromium/BrowserProcesses.h"
+#include "platform/chromium/StandIn.h"
 #include "support/PumpUntil.h"
 #include "support/ScopedVariable.h"
 #include "support/TemporaryHome.h"
@@ -26,6 +27,7 @@ using platform::ChromiumProcess;
 using platform::DevToolsReply;
 using platform::OwnedDescriptor;
 using platform_test::BrowserProcesses;
+using platform_test::StandIn;
 using test_support::Certificate;
 using test_support::PumpFor;
 using test_support::PumpUntil;
@@ -81,27 +83,14 @@ std::size_t OpenDescriptors() {
     return static_cast<std::size_t>(std::distance(begin(all), end(all)));
 }
 
-// A program in the browser's place.
-class StandIn {
-public:
-    explicit StandIn(const std::string& script) {
-        m_home.WriteFile("browser", script);
-        chmod(m_home.Path("browser").c_str(), 0755);
-    }
-    std::string Path() const { return m_home.Path("browser"); }
-    // What it writes to its standard error until it ends.
-    std::string Output(const std::optional<std::string>& display = std::nullopt) const {
-        const auto process = Launch(display);
-        bool hasEnded = false;
-        process->Connection().SetEndHandler([&] { hasEnded = true; });
-        PumpUntil([&] { return hasEnded; }, "its end");
-        return process->Connection().ErrorOutput();
-    }
-
-private:
-    TemporaryHome m_home;
-    ScopedVariable m_setting{"ZRHTTP_BROWSER", m_home.Path("browser").c_str()};
-};
+// What the browser's stand-in writes to its standard error until it ends.
+std::string OutputOf(const std::optional<std::string>& display = std::nullopt) {
+    const auto process = Launch(display);
+    bool hasEnded = false;
+    process->Connection().SetEndHandler([&] { hasEnded = true; });
+    PumpUntil([&] { return hasEnded; }, "its end");
+    return process->Connection().ErrorOutput();
+}
 
 // This test program once more, running one of the Client tests below.
 class ClientProgram {
@@ -261,14 +250,14 @@ TEST(ChromiumProcess, TheBrowserInheritsWhatItNeedsAndNothingElse) {
     const ScopedVariable wayland("WAYLAND_DISPLAY", "wayland-0");
     const ScopedVariable proxy("http_proxy", "http://proxy.test");
     const StandIn browser("#!/bin/sh\necho arguments: $* >&2\nenv >&2\nls -x /proc/self/fd >&2\n");
-    const std::string bare = browser.Output();
+    const std::string bare = OutputOf();
     EXPECT_THAT(bare, HasSubstr("\n0  1  2  3  4  5\n")) << "5 is the listing itself";
     EXPECT_THAT(bare, HasSubstr(" --headless"));
     EXPECT_THAT(bare, HasSubstr("\nHOME=/"));
     EXPECT_THAT(bare, HasSubstr("\nhttp_proxy=http://proxy.test\n"));
     for (const char* unwanted : {"\nCHROMIUM_FLAGS=", "\nXDG_", "\nWAYLAND", "\nHOME=/home/user"})
         EXPECT_THAT(bare, Not(HasSubstr(unwanted)));
-    const std::string windowed = browser.Output(":77");
+    const std::string windowed = OutputOf(":77");
     EXPECT_THAT(windowed, HasSubstr("\nDISPLAY=:77\n"));
     EXPECT_THAT(windowed, HasSubstr("\nXAUTHORITY=/home/user/.Xauthority\n"));
     EXPECT_THAT(windowed, Not(HasSubstr("--headless")));
@@ -277,7 +266,7 @@ TEST(ChromiumProcess, TheBrowserInheritsWhatItNeedsAndNothingElse) {
 TEST(ChromiumProcess, SaysWhyItCannotBeStarted) {
     {
         const StandIn noProgram("no program");
-        EXPECT_THAT(noProgram.Output(), HasSubstr(noProgram.Path()));
+        EXPECT_THAT(OutputOf(), HasSubstr(noProgram.Path()));
         chmod(noProgram.Path().c_str(), 0644);
         EXPECT_EQ(LaunchFailure(), noProgram.Path() + " is not an executable file");
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <ctime>
 #include <future>
 #include <random>
@@ -135,7 +136,20 @@ INSTANTIATE_TEST_SUITE_P(Messages, BrokenProtocol,
                          testing::Values("secret", "", "[\"secret\"]", R"({"secret":1})",
                                          R"({"method":"A.b","params":{"secret")", R"({"method":7})",
                                          R"({"id":"secret","method":"A.b"})", R"({"id":1.5})",
+                                         R"({"id":4294967297,"result":{}})", // not the first call
                                          std::string(30'000, '[')));
+
+TEST_F(Transport, WhatIsNoObjectCountsAsAnEmptyOne) {
+    for (const char* call : {"one", "two"})
+        peer.connection->Send("", "Any.call", json::object(), Noting(call));
+    peer.connection->SetEventHandler(
+        [this](DevToolsEvent& event) { heard.push_back(event.params.dump()); });
+    peer.WriteMessage({{"id", peer.NextCommand()["id"]}, {"result", 7}});
+    peer.WriteMessage({{"id", peer.NextCommand()["id"]}});
+    peer.WriteMessage({{"method", "Some.event"}, {"params", "text"}});
+    WaitForHeard(3);
+    EXPECT_THAT(heard, ElementsAre("one:{}", "two:{}", "{}"));
+}
 
 TEST_F(Transport, TheBrowsersEndFailsWaitingCallsFirst) {
     Listen();
@@ -163,6 +177,25 @@ TEST_F(Transport, ABrowserThatNoLongerReadsIsNoticedWithTheNextCommand) {
     peer.connection->Send("", "One.call", json::object(), Noting("one"));
     WaitForHeard(2);
     EXPECT_THAT(heard, ElementsAre("one:"s + platform::kBrowserGone, "end"));
+}
+
+TEST_F(Transport, TheEndIsWaitedForAndNotHeldUpByTalk) {
+    Listen();
+    auto talk = std::async(std::launch::async, [&] {
+        sigset_t brokenPipe;
+        sigemptyset(&brokenPipe);
+        sigaddset(&brokenPipe, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr);
+        for (int turn = 0; turn < 4000; ++turn, std::this_thread::sleep_for(5ms))
+            peer.WriteError("still here\n");
+    });
+    peer.StopWriting();
+    for (int turn = 0; turn < 1000 && peer.connection->IsOpen(); ++turn)
+        std::this_thread::sleep_for(5ms);
+    EXPECT_TRUE(peer.connection->WaitForMessages(0ms));
+    peer.connection->Dispatch();
+    EXPECT_THAT(heard, ElementsAre("end"));
+    EXPECT_ANY_THROW(talk.get()) << "nobody reads it any more";
 }
 
 TEST_F(Transport, ACallTimesOutAlone) {
