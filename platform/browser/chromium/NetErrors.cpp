@@ -16,7 +16,7 @@ struct Entry {
 
 constexpr const char* kBrokenOff = "the connection broke off";
 
-constexpr std::array<Entry, 33> kTexts{{
+constexpr std::array<Entry, 34> kTexts{{
     {"ABORTED", "the loading was stopped"},
     {"ADDRESS_INVALID", "cannot connect to the server"},
     {"ADDRESS_UNREACHABLE", "host is unreachable"},
@@ -40,6 +40,7 @@ constexpr std::array<Entry, 33> kTexts{{
     {"INCOMPLETE_CHUNKED_ENCODING", kBrokenOff},
     {"INCOMPLETE_HTTP2_RESPONSE", kBrokenOff},
     {"INTERNET_DISCONNECTED", "browser is offline"},
+    {"INVALID_AUTH_CREDENTIALS", "the server wants credentials"},
     {"INVALID_CHUNKED_ENCODING", "the reply is not HTTP"},
     {"INVALID_HTTP_RESPONSE", "the reply is not HTTP"},
     {"INVALID_REDIRECT", "the server redirects to a malformed URL"},

@@ -160,10 +160,12 @@ void PageLoads::RaiseComplete(const DocumentLoadPtr& load) {
     BrowserObject& face = Face(*load);
     if (!load->isSuperseded)
         return RaiseDocumentComplete(Browser().Events(), face.Dispatch(), load->url);
-    const DocumentLoadPtr next = m_frames[load->frame].next;
     face.SetDocument(load->document);
     RaiseDocumentComplete(Browser().Events(), face.Dispatch(), load->url);
-    if (!m_isDetached && next && !next->isDone) face.SetDocument(next->document);
+    if (m_isDetached) return;
+    const Frame& frame = m_frames[load->frame];
+    const DocumentLoadPtr after = frame.next ? frame.next : frame.current;
+    face.SetDocument(after && after != load ? after->document : nullptr);
 }
 
 void PageLoads::Fail(const DocumentLoadPtr& load, const std::string& reason, Aftermath aftermath) {

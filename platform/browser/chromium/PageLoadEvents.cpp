@@ -126,7 +126,6 @@ void PageLoads::OnFailed(const DevToolsEvent& event) {
         load->document.Release();
         return Complete(load);
     }
-    if (ShowAuthentication(load, error)) return;
     if (load->hasHead && error == "net::ERR_HTTP_RESPONSE_CODE_FAILURE") {
         // The server's own page, of no bytes: the browser shows one of its own in its place.
         load->source->BeEmpty();

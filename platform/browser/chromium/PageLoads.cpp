@@ -65,7 +65,6 @@ void PageLoads::Navigate(NavigationRequest request) {
     load->request = std::move(request);
     m_client = load;
     m_isClientDue = false;
-    m_isAuthenticationShown = false;
     Top().next = load;
     if (!Browser().Events().HasSinks() && !Browser().IsOffline()) return Start(load);
     Browser().Link()->Post([self = shared_from_this(), load](BrowserObject&) {
@@ -104,7 +103,7 @@ void PageLoads::Request(const DocumentLoadPtr& load) {
     if (IsOver(load) || m_client != load) return;
     m_page.Send("Network.setCacheDisabled",
                 {{"cacheDisabled", (load->request.flags & navNoReadFromCache) != 0}});
-    m_override.Arm(load->request, m_isAuthenticationShown, [this, load](const std::string& reason) {
+    m_override.Arm(load->request, [this, load](const std::string& reason) {
         Fail(load, reason, Aftermath::errorPage);
     });
     m_page.Send("Page.stopLoading", Json::object(), [this, load](DevToolsReply&) {
@@ -119,23 +118,8 @@ void PageLoads::OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply
     const std::string failure = reply.IsOk() ? TextOf(reply.result, "errorText") : reply.error;
     // It comes when the page is shown; a renderer that is just starting may not report that.
     if (failure.empty() && load->hasHead && Top().next == load) return Commit(load);
-    if (failure.empty() || load->hasHead || ShowAuthentication(load, failure)) return;
-    if (load != m_client && m_client) return; // asked for again
+    if (failure.empty() || load->hasHead) return;
     Fail(load, NetErrorText(failure, load->url), Aftermath::errorPage);
-}
-
-// A server that wants credentials sends a page with that; the browser shows it only to who says
-// beforehand that there will be none.
-bool PageLoads::ShowAuthentication(const DocumentLoadPtr& load, const std::string& error) {
-    if (error != "net::ERR_INVALID_AUTH_CREDENTIALS" || !load->isByClient) return false;
-    if (m_isAuthenticationShown) return load == m_client; // on its way
-    if (!load->request.body.empty() || load->hasHead) return false;
-    m_isAuthenticationShown = true;
-    m_loads.erase(load->loader);
-    m_client = load;
-    m_isClientDue = false;
-    Request(load);
-    return true;
 }
 
 void PageLoads::AbandonAll() {

@@ -61,7 +61,6 @@ private:
     void Start(const DocumentLoadPtr& load);
     void Request(const DocumentLoadPtr& load);
     void OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply& reply);
-    bool ShowAuthentication(const DocumentLoadPtr& load, const std::string& error);
     void AbandonAll();
 
     // Events of the page.
@@ -106,7 +105,6 @@ private:
     RequestOverride m_override;
     DocumentLoadPtr m_client; // the client's navigation, until the browser has named it
     bool m_isClientDue = false;
-    bool m_isAuthenticationShown = false;
     std::string m_shownUrl; // of the top level, with the fragment
     std::map<std::string, Frame> m_frames;
     std::map<std::string, DocumentLoadPtr> m_loads; // by loader

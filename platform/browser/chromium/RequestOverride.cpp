@@ -51,12 +51,11 @@ bool SaysWhatTheBodyIs(const std::string& name) {
 
 } // namespace
 
-void RequestOverride::Arm(const NavigationRequest& request, bool isAuthenticationShown,
+void RequestOverride::Arm(const NavigationRequest& request,
                           std::function<void(const std::string&)> onRefused) {
     Disarm();
     m_substitutedTypes = SubstitutedTypes();
-    m_hasRequest = !request.body.empty() || !request.headers.empty() || HasCredentials(request) ||
-                   isAuthenticationShown;
+    m_hasRequest = !request.body.empty() || !request.headers.empty() || HasCredentials(request);
     if (!m_hasRequest && m_substitutedTypes.empty()) return;
     if (m_hasRequest) m_request = request;
     m_onRefused = std::move(onRefused);

@@ -20,9 +20,7 @@ public:
     explicit RequestOverride(ChromiumPage& page) : m_page(page) {}
 
     // Before the client's navigation. onRefused: the request was ended, for the reason given.
-    // isAuthenticationShown: the server's own page is wanted for a request that it wants
-    // credentials for.
-    void Arm(const NavigationRequest& request, bool isAuthenticationShown,
+    void Arm(const NavigationRequest& request,
              std::function<void(const std::string& reason)> onRefused);
     // The browser calls the client's request by this name.
     void SetLoader(const std::string& loader) { m_loader = loader; }
