@@ -137,7 +137,7 @@ TEST_P(BackendContract, WithoutAConnectionNothingWorksAndNothingBreaks) {
 }
 
 TEST_P(BackendContract, PagesComeAsTheyWereSent) {
-    const std::string bytes("<p>M\xFCller \0 \x80</p>", 19);
+    const std::string bytes("<p>M\xFCller \0 \x80</p>", 17);
     Serve("/bytes", Html(bytes));
     ASSERT_EQ(Connect(), ZRHB_OK) << m_error.GetString();
     EXPECT_STREQ(m_error, "");
