@@ -46,8 +46,6 @@ public:
 
     void AddSession(const std::string& session, const std::shared_ptr<ChromiumPage>& page);
     void RemoveSession(const std::string& session) { m_sessions.erase(session); }
-    // Ends it at once; otherwise the last reference does.
-    void Quit() { m_process->Quit(); }
 
 private:
     ChromiumApplication() = default;

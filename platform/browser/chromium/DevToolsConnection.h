@@ -35,8 +35,6 @@ public:
     using ReplyHandler = std::function<void(DevToolsReply&)>;
     using EventHandler = std::function<void(DevToolsEvent&)>;
     static constexpr std::chrono::milliseconds kNoTimeout{0};
-    // For calls that a healthy browser answers at once.
-    static constexpr std::chrono::milliseconds kCallTimeout{10'000};
 
     // Takes over the pipe's ends. `errorOutput` is what the browser's standard error comes out of;
     // its last lines are kept.

@@ -29,7 +29,9 @@ inline const Json& ObjectOf(const Json& object, const char* pszKey) {
 
 inline int NumberOf(const Json& object, const char* pszKey) {
     const Json* value = FindValue(object, pszKey);
-    return value && value->is_number() ? static_cast<int>(value->get<double>()) : 0;
+    if (!value || !value->is_number()) return 0;
+    const double number = value->get<double>();
+    return number > -1e9 && number < 1e9 ? static_cast<int>(number) : 0;
 }
 
 inline bool IsTrue(const Json& object, const char* pszKey) {
