@@ -48,6 +48,15 @@ CString& CString::operator+=(char ch) {
     return *this;
 }
 
+char* CString::GetBuffer(int nMinLength) {
+    if (nMinLength > GetLength()) m_text.resize(static_cast<std::size_t>(nMinLength));
+    return m_text.data();
+}
+
+void CString::ReleaseBuffer(int nNewLength) {
+    m_text.resize(CutTo(m_text.size(), nNewLength));
+}
+
 CString CString::Left(int nCount) const {
     return CString(View().substr(0, CutTo(m_text.size(), nCount)));
 }

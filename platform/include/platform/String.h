@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <platform/Types.h>
@@ -15,6 +16,8 @@ public:
     // nLength bytes at pText, NUL bytes included.
     CString(const char* pText, int nLength) : m_text(pText, static_cast<std::size_t>(nLength)) {}
     explicit CString(std::string_view text) : m_text(text) {}
+    // Takes the text over without copying it.
+    explicit CString(std::string&& text) : m_text(std::move(text)) {}
 
     // The text with a terminating NUL; valid until the text changes.
     operator const char*() const { return m_text.c_str(); }
@@ -25,6 +28,10 @@ public:
     int GetLength() const { return static_cast<int>(m_text.size()); }
     bool IsEmpty() const { return m_text.empty(); }
     void Empty() { m_text.clear(); }
+    // The text for changing in place: at least nMinLength characters and a NUL. ReleaseBuffer(n)
+    // ends the change and cuts the text to n characters.
+    char* GetBuffer(int nMinLength);
+    void ReleaseBuffer(int nNewLength);
     char GetAt(int nIndex) const { return m_text[static_cast<std::size_t>(nIndex)]; }
 
     CString& operator+=(const CString& text);
