@@ -14,7 +14,6 @@ namespace {
 using namespace std::chrono_literals;
 
 // Until Chromium answers and has a page: a start takes half a second, on a busy machine several.
-constexpr auto kStartPatience = 30s;
 // From the page to its window on the display.
 constexpr auto kWindowPatience = 10s;
 
@@ -23,11 +22,20 @@ std::string StartFailure(DevToolsConnection& connection, const std::string& reas
     return output.empty() ? reason : reason + "; its last output: " + output;
 }
 
+// failure: the error of a reply; empty when none came or it was none.
+std::string ReasonOf(const std::string& failure) {
+    if (failure == kBrowserGone) return "Chromium ended at once";
+    if (failure.empty() || failure == kCallTimedOut) return "Chromium does not answer";
+    return "Chromium: " + failure;
+}
+
 } // namespace
 
-std::shared_ptr<ChromiumApplication> ChromiumApplication::Start(Windows windows,
-                                                                std::string& error) {
+std::shared_ptr<ChromiumApplication>
+ChromiumApplication::Start(Windows windows, std::string& error,
+                           std::chrono::milliseconds patience) {
     const std::shared_ptr<ChromiumApplication> application(new ChromiumApplication);
+    application->m_patience = patience;
     if (windows == Windows::onDisplay) application->m_display = Display::Open();
     std::optional<std::string> display;
     if (application->m_display) display = application->m_display->Name();
@@ -66,7 +74,7 @@ bool ChromiumApplication::Greet(std::string& error) {
             failure = reply.error;
             isAnswered = true;
         },
-        kStartPatience);
+        m_patience);
     WaitFor([&] { return isAnswered; });
     if (!m_context.empty()) {
         // Nothing that pages offer for download lands on the disk.
@@ -74,10 +82,7 @@ bool ChromiumApplication::Greet(std::string& error) {
                         {{"behavior", "deny"}, {"browserContextId", m_context}});
         return true;
     }
-    const std::string reason = failure == kBrowserGone ? "Chromium ended at once"
-                               : failure.empty()       ? "Chromium does not answer"
-                                                       : "Chromium: " + failure;
-    error = StartFailure(connection, reason);
+    error = StartFailure(connection, ReasonOf(failure));
     m_process->Quit();
     return false;
 }
@@ -86,7 +91,7 @@ bool ChromiumApplication::Greet(std::string& error) {
 // have run, and calls with a time-out always run theirs.
 bool ChromiumApplication::WaitFor(const std::function<bool()>& isDone) {
     DevToolsConnection& connection = m_process->Connection();
-    const auto end = std::chrono::steady_clock::now() + kStartPatience + 1s;
+    const auto end = std::chrono::steady_clock::now() + m_patience + 1s;
     while (!isDone() && std::chrono::steady_clock::now() < end) {
         connection.WaitForMessages(100ms);
         connection.Dispatch();

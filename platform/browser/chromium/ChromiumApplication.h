@@ -1,6 +1,7 @@
 // A running Chromium application: its process, its pages, and which event belongs to which page.
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <map>
 #include <memory>
@@ -20,8 +21,11 @@ class ChromiumApplication : public std::enable_shared_from_this<ChromiumApplicat
 public:
     enum class Windows { onDisplay, none }; // onDisplay: where there is a display
 
-    // Starts the process and waits until it answers. Null with the reason in plain words.
-    static std::shared_ptr<ChromiumApplication> Start(Windows windows, std::string& error);
+    // Starts the process and waits until it answers, or for the patience. Null with the reason in
+    // plain words.
+    static std::shared_ptr<ChromiumApplication>
+    Start(Windows windows, std::string& error,
+          std::chrono::milliseconds patience = std::chrono::seconds(30));
     ~ChromiumApplication();
 
     DevToolsConnection& Connection() { return m_process->Connection(); }
@@ -62,6 +66,7 @@ private:
     std::unique_ptr<WindowWatch> m_watch; // null: headless
     std::shared_ptr<Display> m_display;
     std::shared_ptr<ChromiumProcess> m_process;
+    std::chrono::milliseconds m_patience{};
     std::string m_context;
     std::map<std::string, std::weak_ptr<ChromiumPage>> m_sessions;
     std::map<std::string, std::weak_ptr<ChromiumPage>> m_targets;

@@ -119,8 +119,8 @@ void TrustFurtherCertificates(const std::string& profile) {
 
 class RunningChromium final : public ChromiumProcess {
 public:
-    RunningChromium(std::string profile, bool isHeadless, OwnedDescriptor life)
-        : m_profile(std::move(profile)), m_isHeadless(isHeadless), m_life(std::move(life)) {}
+    RunningChromium(std::string profile, OwnedDescriptor life)
+        : m_profile(std::move(profile)), m_life(std::move(life)) {}
     ~RunningChromium() override { Quit(); }
 
     void Converse(PipeEnds& commands, PipeEnds& answers, PipeEnds& errors) {
@@ -129,7 +129,6 @@ public:
     }
 
     DevToolsConnection& Connection() override { return *m_connection; }
-    bool IsHeadless() const override { return m_isHeadless; }
     std::string WindowInstance() const override { return "(" + m_profile + ")"; }
     const std::string& ProfileDirectory() const override { return m_profile; }
     void Quit() override {
@@ -140,7 +139,6 @@ public:
 
 private:
     const std::string m_profile;
-    const bool m_isHeadless;
     OwnedDescriptor m_life; // what the supervisor watches
     std::shared_ptr<DevToolsConnection> m_connection;
 };
@@ -200,8 +198,7 @@ std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std
         std::filesystem::remove_all(profile, ignored);
         return nullptr;
     }
-    const auto process =
-        std::make_shared<RunningChromium>(profile, !display, std::move(life->write));
+    const auto process = std::make_shared<RunningChromium>(profile, std::move(life->write));
     process->Converse(*commands, *answers, *errors);
     return process;
 }

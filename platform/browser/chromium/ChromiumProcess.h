@@ -25,7 +25,6 @@ public:
     virtual ~ChromiumProcess() = default;
 
     virtual DevToolsConnection& Connection() = 0;
-    virtual bool IsHeadless() const = 0;
     // How the instance part of its windows' WM_CLASS ends; no other process uses the same.
     virtual std::string WindowInstance() const = 0;
     virtual const std::string& ProfileDirectory() const = 0;
