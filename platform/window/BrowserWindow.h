@@ -25,9 +25,6 @@ public:
     // Disabled while a dialog of the page is open. Input is not kept away from a window on a
     // display: the dialog is part of it.
     virtual void SetEnabled(bool isEnabled) = 0;
-    // Shown by windows that are only remembered; a window on a display keeps the title that its
-    // process gives it.
-    virtual void SetTitle(const std::string& utf8) = 0;
     // Called, on a thread of the display's, when somebody else has shown, hidden, iconified or
     // closed the window. Set once, before the window is shown.
     virtual void OnVisibleChanged(std::function<void(bool isVisible)> handler) = 0;

@@ -1,5 +1,3 @@
-#include <platform/CodePage.h>
-
 #include "window/BrowserWindow.h"
 #include "window/WindowTable.h"
 
@@ -23,9 +21,6 @@ public:
     void Show(bool isVisible) override { ShowWindow(m_handle, isVisible ? SW_SHOW : SW_HIDE); }
     bool IsVisible() const override { return IsWindowVisible(m_handle) != FALSE; }
     void SetEnabled(bool isEnabled) override { EnableWindow(m_handle, isEnabled ? TRUE : FALSE); }
-    void SetTitle(const std::string& utf8) override {
-        SetWindowTextA(m_handle, AnsiFromUtf8(utf8));
-    }
     // There is nobody else who could show it.
     void OnVisibleChanged(std::function<void(bool)>) override {}
 

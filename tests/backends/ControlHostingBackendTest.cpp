@@ -1,17 +1,16 @@
 // The control-hosting back-end over a scripted browser.
 
-#include <gtest/gtest.h>
-
-#include <ZrHbResultCodes.h>
-#include <platform/Exceptions.h>
 #include <platform/Prompt.h>
-#include <platform/Window.h>
 
+#include "backends/BackendTest.h"
 #include "backends/ZrHbIEHttpGet.h"
 #include "support/FailingAutomation.h"
 #include "support/ScriptedBrowser.h"
+#include "support/TestWindow.h"
+#include "support/ThrownBy.h"
 
 using namespace test_support;
+using Navigation = ScriptedBrowser::Navigation;
 
 namespace {
 
@@ -24,26 +23,15 @@ public:
     }
 };
 
-class ControlHostingBackend : public testing::Test {
+class ControlHostingBackend : public BackendTest {
 protected:
     ScriptedControl browser;
-    HWND parent =
-        CreateWindowExA(0, "LISTBOX", "client", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    TestWindow parent;
     CZrHbIEHttpGet backend{2};
-    CString page;
-    CString strErr = "old";
-    CString strUrl;
-    DWORD nLength = 99;
 
-    ~ControlHostingBackend() override {
-        backend.Disconnect();
-        DestroyWindow(parent);
-    }
-    void Connect() { ASSERT_EQ(backend.Connect(parent, strErr), 0u); }
-    DWORD Open(BOOL bKeepPageOpen = FALSE) {
-        return backend.Open("http://h/", strErr, nullptr, 0, nullptr, bKeepPageOpen);
-    }
-    DWORD Read() { return backend.Read(page, strErr, nLength, strUrl); }
+    ~ControlHostingBackend() override { backend.Disconnect(); }
+    CZrHbHttpGet& Backend() override { return backend; }
+    void Connect() { BackendTest::Connect(parent); }
     // References that the back-end and its window hold on the control.
     ULONG References() {
         browser->AddRef();
@@ -53,15 +41,7 @@ protected:
 
 } // namespace
 
-TEST_F(ControlHostingBackend, AnswersBeforeConnectAndWhenItCannotConnect) {
-    EXPECT_EQ(Open(), 21u);
-    EXPECT_EQ(strErr, "Open failed because: not connected.");
-    strUrl = "old";
-    EXPECT_EQ(Read(), 25u);
-    EXPECT_EQ(strErr, "Read: No previous Connect() and Open() or already Disconnected.");
-    EXPECT_EQ(nLength, 0u);
-    EXPECT_EQ(strUrl, "");
-
+TEST_F(ControlHostingBackend, TellsWhyItCannotConnect) {
     EXPECT_EQ(backend.Connect(nullptr, strErr), 20u);
     EXPECT_EQ(strErr,
               "Cannot connect to Internet Explorer. (Internal Error: GetDummyCWnd failed!?!)");
@@ -85,7 +65,10 @@ TEST_F(ControlHostingBackend, ConnectsOnlineAndLetsGoOfTheControlAtTheEnd) {
     EXPECT_EQ(References(), before);
     EXPECT_EQ(browser->Count("Stop"), 0);
     EXPECT_EQ(browser->Count("Quit"), 0);
-    EXPECT_EQ(Read(), 25u);
+    Connect();
+    DestroyWindow(parent); // the control goes with it
+    backend.Disconnect();
+    EXPECT_EQ(References(), before);
 }
 
 TEST_F(ControlHostingBackend, NavigatesHereOrOnceInANewWindow) {
@@ -94,15 +77,9 @@ TEST_F(ControlHostingBackend, NavigatesHereOrOnceInANewWindow) {
     browser->SetSource("<html>");
     for (const LONG flags : {15, 14}) {
         EXPECT_EQ(backend.Open("http://h/\xFC", strErr, "a=1", 2, "X: 1", FALSE), 0u);
-        const auto& sent = browser->navigations.back();
-        EXPECT_EQ(sent.url, "http://h/\xFC");
-        EXPECT_EQ(sent.flags, flags);
-        EXPECT_EQ(sent.postData, "a=");
-        EXPECT_EQ(sent.headers, "X: 1\r\n");
-        EXPECT_EQ(Read(), flags == 15 ? 22u : 0u);
-        EXPECT_EQ(strErr, flags == 14 ? ""
-                                      : "Reading failed (because after OpenInNewWindow() you "
-                                        "cannot read the page).");
+        EXPECT_EQ(browser->navigations.back(),
+                  (Navigation{"http://h/\xFC", flags, "a=", "X: 1\r\n"}));
+        EXPECT_EQ(Read(), flags == 15 ? kInNewWindow : "0: <html> of http://host/final");
     }
     CZrHbIEHttpGet first(1);
     ASSERT_EQ(first.Connect(parent, strErr), 0u);
@@ -110,46 +87,39 @@ TEST_F(ControlHostingBackend, NavigatesHereOrOnceInANewWindow) {
     EXPECT_EQ(browser->navigations.back().postData, std::string("a\0", 2));
 }
 
-TEST_F(ControlHostingBackend, ReadsInBothFormsAndStopsACompletePage) {
+TEST_F(ControlHostingBackend, ReadsTheGrowingPageAndStopsTheCompleteOne) {
     Connect();
     Open();
     browser->SetSource("<html>");
     browser->moments = {{1, true}, {3, true}, {4, false}};
-    EXPECT_EQ(Read(), 10u);
-    EXPECT_EQ(strErr, "Read has not completed yet.");
-    EXPECT_EQ(Read(), 10u);
-    EXPECT_EQ(nLength, 6u);
+    EXPECT_EQ(Read(), kLoading);
+    EXPECT_EQ(Read(), kLoading + std::string(" (6 bytes)"));
     EXPECT_EQ(strUrl, "");
     EXPECT_EQ(browser->Count("Stop"), 0);
-    EXPECT_EQ(Read(), 0u);
-    EXPECT_EQ(page, "<html>");
-    EXPECT_EQ(strErr, "");
-    EXPECT_EQ(strUrl, "http://host/final");
+    EXPECT_EQ(Read(), "0: <html> of http://host/final");
     EXPECT_EQ(browser->Count("Stop"), 1);
-    CByteBuffer bytes(1024, 256);
-    EXPECT_EQ(backend.Read(bytes, strErr, nLength, strUrl), 0u);
-    EXPECT_EQ(bytes.GetString(), "<html>");
 }
 
 TEST_F(ControlHostingBackend, APageThatStopsLoadingWithoutBeingCompleteFails) {
     struct Case {
         std::deque<BrowserMoment> moments;
-        std::vector<DWORD> results;
+        std::vector<std::string> results;
     };
+    const std::string loading = kLoading;
+    const std::string complete = "0: x of http://host/final";
     const Case cases[] = {
-        {{{1, false}, {1, false}, {1, false}}, {10, 10, 10}}, // never seen busy
-        {{{1, true}, {1, false}, {1, false}}, {10, 22}},
-        {{{1, true}, {3, false}, {4, false}}, {10, 0}}, // complete at the second look
-        {{{1, true}, {1, false}, {2, true}, {2, false}}, {10, 10, 22}},
+        {{{1, false}, {1, false}}, {loading, loading}}, // never seen busy
+        {{{1, true}, {1, false}, {1, false}}, {loading, kReadFailed}},
+        {{{1, true}, {3, false}, {4, false}}, {loading, complete}}, // at the second look
+        {{{1, true}, {1, false}, {2, true}, {2, false}}, {loading, loading, kReadFailed}},
     };
     Connect();
     browser->SetSource("x");
     for (const Case& c : cases) {
         Open();
         browser->moments = c.moments;
-        for (const DWORD result : c.results)
+        for (const std::string& result : c.results)
             EXPECT_EQ(Read(), result) << &c - cases;
-        EXPECT_EQ(strErr == "Read failed.", c.results.back() == 22u) << strErr.GetString();
     }
 }
 
@@ -158,51 +128,40 @@ TEST_F(ControlHostingBackend, AKeptPageGoesOnAndCanOnlyStallOnceBusyAgain) {
     Open(TRUE);
     browser->SetSource("x");
     browser->moments = {{4, true}, {4, false}, {1, false}, {1, true}, {1, false}};
-    for (const DWORD result : {0u, 0u, 10u, 10u, 22u})
+    const char* const complete = "0: x of http://host/final";
+    for (const std::string result : {complete, complete, kLoading, kLoading, kReadFailed})
         EXPECT_EQ(Read(), result);
-    EXPECT_EQ(strErr, "Read failed.");
     EXPECT_EQ(browser->Count("Stop"), 0);
 }
 
 TEST_F(ControlHostingBackend, TellsWhyThereIsNoDocument) {
     Connect();
     Open();
-    EXPECT_EQ(Read(), 22u);
-    EXPECT_EQ(strErr, "Reading failed. (GetDocument failed.)");
+    EXPECT_EQ(Read(), kNoDocument);
     browser->isOffline = true;
-    EXPECT_EQ(Read(), 22u);
-    EXPECT_EQ(strErr, "Reading failed because browser is offline.");
+    EXPECT_EQ(Read(), kOffline);
 }
 
 TEST_F(ControlHostingBackend, AFailingControlThrowsAndNothingIsLost) {
-    const auto throws = [](const auto& call) {
-        try {
-            call();
-        } catch (CException* exception) {
-            exception->Delete();
-            return true;
-        }
-        return false;
-    };
     const ULONG before = References();
     browser->failureText = "broken";
     browser->failing = {"put_Offline"};
-    EXPECT_TRUE(throws([&] { backend.Connect(parent, strErr); }));
+    EXPECT_EQ(ThrownBy([&] { backend.Connect(parent, strErr); }), "broken");
     EXPECT_EQ(References(), before);
-    EXPECT_EQ(Read(), 25u);
+    EXPECT_EQ(Read(), kNotOpen);
     browser->failing = {"Navigate2"};
     Connect();
-    EXPECT_TRUE(throws([&] { Open(); }));
+    EXPECT_EQ(ThrownBy([&] { Open(); }), "broken");
     browser->SetSource("x");
     browser->failing = {};
     Open();
     for (const char* call :
          {"get_ReadyState", "get_Busy", "get_Document", "Stop", "get_LocationURL"}) {
         browser->failing = {call};
-        EXPECT_TRUE(throws([&] { Read(); })) << call;
+        EXPECT_EQ(ThrownBy([&] { Read(); }), "broken") << call;
     }
     browser->failing = {};
-    EXPECT_EQ(Read(), 0u);
+    EXPECT_EQ(Read(), "0: x of http://host/final");
     backend.Disconnect();
     EXPECT_EQ(References(), before);
 }

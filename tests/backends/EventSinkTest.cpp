@@ -9,17 +9,12 @@
 #include "support/ScriptedBrowser.h"
 
 using namespace test_support;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
+using namespace testing;
 
 namespace {
 
 // A sink on the first of the scripted applications, and what its callbacks were told.
-class EventSink : public testing::Test {
+class EventSink : public Test {
 public:
     ScriptedApplication applications{6};
     CComPtr<IWebBrowser2> application = Next();
@@ -193,7 +188,7 @@ TEST_F(EventSink, AWindowThatCannotBeMadeIsLeftToTheBrowser) {
     DISPPARAMS params{arguments.data(), nullptr, 2, 0};
     browser.Events().Raise(DISPID_NEWWINDOW2, params);
     platform::RaiseOnQuit(browser.Events());
-    EXPECT_THAT(Noticed(), testing::SizeIs(4)); // nobody took the callbacks over
+    EXPECT_THAT(Noticed(), SizeIs(4)); // nobody took the callbacks over
 }
 
 TEST_F(EventSink, ReleasesATreeOfWindowsWithoutItsOwnBrowser) {

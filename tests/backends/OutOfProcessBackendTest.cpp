@@ -2,21 +2,22 @@
 // reading, collecting pages, new windows, dialogs of the browser.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <platform/Apartment.h>
-#include <platform/Window.h>
 
+#include "backends/BackendTest.h"
 #include "backends/ZrHbIE2HttpGet.h"
 #include "browser/common/BrowserEvents.h"
 #include "support/FailingAutomation.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedBrowser.h"
 #include "support/TemporaryHome.h"
+#include "support/TestWindow.h"
 
 using namespace test_support;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Navigation = ScriptedBrowser::Navigation;
 
 namespace {
 
@@ -40,7 +41,7 @@ public:
     }
 };
 
-class OutOfProcess : public testing::Test {
+class OutOfProcess : public BackendTest {
 protected:
     TemporaryHome home;
     ManualClock clock;
@@ -49,22 +50,8 @@ protected:
     ScriptedBrowser& browser = applications[0];
     ScriptedHooks traffic;
     CZrHbIE2HttpGet backend{2, traffic};
-    CString page;
-    CString strErr;
-    CString strUrl;
-    DWORD nLength = 99;
 
-    void Connect() { ASSERT_EQ(backend.Connect(nullptr, strErr), 0u); }
-    DWORD Open(BOOL bKeepPageOpen = FALSE) {
-        return backend.Open("http://h/", strErr, nullptr, 0, nullptr, bKeepPageOpen);
-    }
-    DWORD Read() { return backend.Read(page, strErr, nLength, strUrl); }
-    DWORD ReadBytes() {
-        CByteBuffer bytes(1024, 256);
-        const DWORD result = backend.Read(bytes, strErr, nLength, strUrl);
-        page = bytes.GetString();
-        return result;
-    }
+    CZrHbHttpGet& Backend() override { return backend; }
     static void Post(std::function<void()> work) {
         platform::Apartment::OfThisThread()->Post(std::move(work));
     }
@@ -85,33 +72,18 @@ protected:
 // A browser application whose window shows a dialog of the browser's own.
 class OutOfProcessDialog : public OutOfProcess {
 protected:
-    const HWND main = Window(nullptr);
-    const HWND dialog = Window(main);
-    const HWND other = Window(nullptr);
+    const TestWindow main{"main", GetDesktopWindow()};
+    const TestWindow dialog{"dialog", main};
+    const TestWindow other{"other", GetDesktopWindow()};
 
     OutOfProcessDialog() {
         Connect();
-        browser.window = reinterpret_cast<LONG_PTR>(main);
+        browser.window = main.Number();
         browser.moments = {{1, true}};
         EnableWindow(main, FALSE);
         SetForegroundWindow(other);
     }
-    ~OutOfProcessDialog() override {
-        EnableWindow(main, TRUE);
-        for (const HWND window : {dialog, main, other})
-            DestroyWindow(window);
-    }
-    static HWND Window(HWND parent) {
-        return CreateWindowExA(0, "LISTBOX", "window", WS_VISIBLE, 0, 0, 9, 9,
-                               parent ? parent : GetDesktopWindow(), nullptr, nullptr, nullptr);
-    }
 };
-
-constexpr const char* kLostText = "Read failed because: Connection got lost.";
-constexpr const char* kNotConnectedText =
-    "Read: No previous Connect() and Open() or already Disconnected.";
-constexpr const char* kNewWindowText =
-    "Reading failed (because after OpenInNewWindow() you cannot read the page).";
 
 } // namespace
 
@@ -140,10 +112,6 @@ TEST_F(OutOfProcess, ConnectsToAnInvisibleApplicationOrTellsWhatFailed) {
     backend.Disconnect();
     EXPECT_EQ(applications[1].Count("Quit"), 0);
     EXPECT_EQ(applications.References(1), 0u);
-    EXPECT_EQ(Open(), 21u);
-    EXPECT_EQ(strErr, "Open failed because: not connected.");
-    EXPECT_EQ(ReadBytes(), 25u);
-    EXPECT_EQ(nLength, 0u);
     EXPECT_EQ(backend.Get_IWebBrowser2_ptr(strErr), nullptr);
     EXPECT_EQ(strErr, "Get_IWebBrowser2_ptr failed because: not connected.");
 }
@@ -153,20 +121,17 @@ TEST_F(OutOfProcess, NavigatesWithWhatTheTrafficHooksLeave) {
     EXPECT_EQ(backend.Open("http://h/", strErr, "a=1", 0xFFFFFFFFu, nullptr, FALSE), 0u);
     traffic.url = "http://simulated/";
     EXPECT_EQ(Open(), 0u);
-    ASSERT_EQ(browser.navigations.size(), 2u);
-    EXPECT_EQ(browser.navigations[0].url, "http://h/");
-    EXPECT_EQ(browser.navigations[0].flags, 14);
-    EXPECT_EQ(browser.navigations[0].postData, "a=1");
-    EXPECT_EQ(browser.navigations[1].url, "http://simulated/");
-    EXPECT_EQ(browser.navigations[1].postData, "ne");
-    EXPECT_EQ(browser.navigations[1].headers, "X: 1\r\n");
+    const std::string form = "Content-Type: application/x-www-form-urlencoded\r\n";
+    EXPECT_THAT(browser.navigations,
+                ElementsAre(Navigation{"http://h/", 14, "a=1", form},
+                            Navigation{"http://simulated/", 14, "ne", "X: 1\r\n"}));
 
     browser.failing = {"Navigate2"};
     for (const BOOL collect : {FALSE, TRUE})
         EXPECT_EQ(Open(collect), 23u);
     EXPECT_EQ(strErr, "Internal error: cannot navigate(!?)");
     EXPECT_FALSE(browser.Events().HasSinks());
-    EXPECT_EQ(Read(), 11u);
+    EXPECT_EQ(Read(), kIdle);
 }
 
 TEST_F(OutOfProcess, NoticesABrowserThatHasGoneAway) {
@@ -175,76 +140,62 @@ TEST_F(OutOfProcess, NoticesABrowserThatHasGoneAway) {
         Connect();
         EXPECT_EQ(Open(TRUE), 0u);
         applications[index].failing = {"get_Visible"};
-        EXPECT_EQ(isRead ? Read() : Open(), 27u);
-        EXPECT_EQ(strErr, isRead ? kLostText : "Open failed because: Connection got lost.");
+        if (isRead)
+            EXPECT_EQ(Read(), kLost);
+        else
+            EXPECT_EQ(Open(), 27u);
         EXPECT_EQ(applications.References(index), 0u);
-        EXPECT_EQ(Read(), 25u);
-        EXPECT_EQ(strErr, kNotConnectedText);
+        EXPECT_EQ(Read(), kNotOpen);
     }
 }
 
 TEST_F(OutOfProcess, ReadsTheLiveDocumentAndRecordsWhatItReads) {
+    const std::string partial = kLoading + std::string(" (6 bytes)");
     Connect();
     ASSERT_EQ(Open(), 0u);
     browser.SetSource("<html>");
     browser.moments = {{2, true}, {3, true}, {4, false}};
-    EXPECT_EQ(Read(), 10u);
-    EXPECT_EQ(nLength, 0u);
+    EXPECT_EQ(Read(), kLoading);
     browser.failing = {"get_Busy"};
-    EXPECT_EQ(Read(), 22u);
+    EXPECT_TRUE(Read().starts_with("22: "));
     EXPECT_THAT(traffic.results, IsEmpty());
 
     browser.failing = {};
     browser.moments = {{3, true}, {4, false}};
-    EXPECT_EQ(Read(), 10u);
+    EXPECT_EQ(Read(), partial);
     EXPECT_EQ(browser.Count("Stop"), 0);
-    EXPECT_EQ(Read(), 0u);
+    EXPECT_EQ(Read(), "0: <html> of http://host/final");
     EXPECT_EQ(browser.Count("Stop"), 1);
-    EXPECT_EQ(page, "<html>");
-    EXPECT_EQ(nLength, 6u);
-    EXPECT_EQ(strErr, "");
-    EXPECT_EQ(strUrl, "http://host/final");
     browser.document = nullptr;
-    EXPECT_EQ(Read(), 22u);
-    const std::vector<std::string> recorded = {"10|<html>|Read has not completed yet.", "0|<html>|",
-                                               "22|<html>|Reading failed. (GetDocument failed.)"};
-    EXPECT_EQ(traffic.results, recorded);
-
+    EXPECT_EQ(Read(), kNoDocument);
+    EXPECT_THAT(traffic.results, ElementsAre("10|<html>|Read has not completed yet.", "0|<html>|",
+                                             "22|<html>|Reading failed. (GetDocument failed.)"));
     browser.SetSource("bytes");
-    EXPECT_EQ(ReadBytes(), 0u);
-    EXPECT_EQ(page, "bytes");
+    EXPECT_EQ(ReadBytes(), "0: bytes of http://host/final");
     EXPECT_EQ(traffic.results.size(), 3u);
 }
 
 TEST_F(OutOfProcess, HandsOutCollectedPagesInTheOrderOfTheirCompletion) {
     Connect();
     ASSERT_EQ(Open(TRUE), 0u);
-    EXPECT_EQ(Read(), 11u); // nothing has begun yet
-    EXPECT_EQ(strErr, "Loading done - now idle.");
+    EXPECT_EQ(Read(), kIdle); // nothing has begun yet
     const auto frame = MakeObject<ScriptedBrowser>();
     frame->SetSource("frame");
     browser.SetSource("top");
     for (ScriptedBrowser* each : {&browser, frame.Get(), frame.Get()})
         Before(browser, *each);
     page = "old";
-    EXPECT_EQ(Read(), 10u);
-    EXPECT_EQ(strErr, "Read has not completed yet.");
+    EXPECT_EQ(Read(), kLoading);
     EXPECT_EQ(page, "");
     Complete(browser, *frame, "http://h/1");
     frame->document = nullptr;
     Complete(browser, *frame, "http://h/2");
     Complete(browser, browser, "http://h/");
-
-    std::vector<std::string> pages;
-    while (Read() == 0u) {
-        pages.emplace_back((strUrl + " " + page).View());
-        EXPECT_EQ(nLength, static_cast<DWORD>(page.GetLength()));
-    }
-    EXPECT_THAT(pages, ElementsAre("http://h/1 frame", "http://h/2 ", "http://h/ top"));
-    EXPECT_EQ(Read(), 11u);
+    for (const char* collected :
+         {"0: frame of http://h/1", "0:  of http://h/2", "0: top of http://h/", kIdle})
+        EXPECT_EQ(Read(), collected);
     EXPECT_THAT(traffic.results, IsEmpty());
-    EXPECT_EQ(ReadBytes(), 0u); // the byte form knows the live document only
-    EXPECT_EQ(page, "top");
+    EXPECT_EQ(ReadBytes(), "0: top of http://host/final"); // the live document
 }
 
 TEST_F(OutOfProcess, PopUpsOfACollectedPageStayInvisibleAndAreNotCollected) {
@@ -252,9 +203,9 @@ TEST_F(OutOfProcess, PopUpsOfACollectedPageStayInvisibleAndAreNotCollected) {
     ASSERT_EQ(Open(TRUE), 0u);
     NewWindow(browser);
     Before(applications[1], applications[1]);
-    EXPECT_EQ(Read(), 11u);
+    EXPECT_EQ(Read(), kIdle);
     Complete(applications[1], applications[1], "http://h/popup");
-    EXPECT_EQ(Read(), 11u);
+    EXPECT_EQ(Read(), kIdle);
     for (const std::size_t window : {0u, 1u})
         platform::RaiseOnVisible(applications[window].Events(), true);
     backend.PutVisible(TRUE);
@@ -281,20 +232,19 @@ TEST_F(OutOfProcess, ARunOfCollectingEndsWithCloseOrTheNextOpen) {
     }
     ASSERT_EQ(Open(TRUE), 0u);
     Before(browser, browser);
-    EXPECT_EQ(Read(), 10u);
+    EXPECT_EQ(Read(), kLoading);
     backend.Close();
     EXPECT_EQ(browser.Count("Stop"), 1);
     EXPECT_FALSE(browser.Events().HasSinks());
-    EXPECT_EQ(Read(), 11u);
+    EXPECT_EQ(Read(), kIdle);
     browser.failing = {"Events"}; // nothing could be collected
     EXPECT_EQ(Open(TRUE), 23u);
 }
 
 TEST_F(OutOfProcess, OpensInANewWindowAndWaitsUntilThatHasLoaded) {
     Connect();
-    const HWND window = CreateWindowExA(0, "LISTBOX", "new", 0, 0, 0, 9, 9, GetDesktopWindow(),
-                                        nullptr, nullptr, nullptr);
-    applications[1].window = reinterpret_cast<LONG_PTR>(window);
+    const TestWindow window;
+    applications[1].window = window.Number();
     std::vector<std::string> steps;
     browser.during["Navigate2"] = [&] {
         Post([&] { NewWindow(browser); });
@@ -309,16 +259,14 @@ TEST_F(OutOfProcess, OpensInANewWindowAndWaitsUntilThatHasLoaded) {
     EXPECT_EQ(applications[1].Count("Quit"), 0);
     EXPECT_EQ(applications.References(1), 0u);
     EXPECT_EQ(applications.References(0), 1u);
-    for (const DWORD result : {Read(), ReadBytes()})
-        EXPECT_EQ(result, 22u);
-    EXPECT_EQ(strErr, kNewWindowText);
+    for (const std::string& result : {Read(), ReadBytes()})
+        EXPECT_EQ(result, kInNewWindow);
 
     browser.during.clear();
     browser.SetSource("plain");
     EXPECT_EQ(Open(), 0u);
     EXPECT_EQ(browser.navigations.back().flags, 14);
-    EXPECT_EQ(Read(), 0u);
-    DestroyWindow(window);
+    EXPECT_EQ(Read(), "0: plain of http://host/final");
 }
 
 // Whichever of the two browsers ends, and whether or not it says so.
@@ -339,9 +287,9 @@ TEST_F(OutOfProcess, TheWaitForANewWindowEndsWithTheBrowser) {
     EXPECT_EQ(open(false, quit), 0u);
     EXPECT_EQ(open(true, windowQuits), 0u);
     EXPECT_EQ(open(true, windowDies), 0u);
-    EXPECT_EQ(Read(), 22u);
+    EXPECT_EQ(Read(), kInNewWindow);
     EXPECT_EQ(open(false, die), 0u);
-    EXPECT_EQ(Read(), 27u);
+    EXPECT_EQ(Read(), kLost);
     for (const std::size_t each : {0u, 1u, 2u})
         EXPECT_EQ(applications.References(each), 0u);
 }
@@ -380,7 +328,7 @@ TEST_F(OutOfProcess, AMessageHandledInAnEventMayEndCollecting) {
     browser.during["get_Document"] = [&] { backend.Disconnect(); };
     browser.SetSource("top");
     Complete(browser, browser, "http://h/");
-    EXPECT_EQ(Read(), 25u);
+    EXPECT_EQ(Read(), kNotOpen);
     EXPECT_EQ(applications.References(0), 0u);
 }
 
@@ -391,7 +339,7 @@ TEST_F(OutOfProcessDialog, ComesToTheFrontAtOnceAndLaterAfterAPause) {
     const auto pausesWhileInFront = [&](HWND front) {
         SetForegroundWindow(front);
         const std::size_t before = clock.SleepCount();
-        EXPECT_EQ(Read(), 10u);
+        EXPECT_EQ(Read(), kLoading);
         EXPECT_EQ(GetForegroundWindow(), main);
         const auto all = clock.Sleeps();
         return std::vector<DWORD>(all.begin() + static_cast<std::ptrdiff_t>(before), all.end());
@@ -415,7 +363,7 @@ TEST_F(OutOfProcessDialog, IsLeftAloneWhileThereIsNoneOrItCannotBeFound) {
     browser.failing.clear();
     browser.window = 0x7FFFFFF0;
     EXPECT_FALSE(isInFrontAfterOpening());
-    browser.window = reinterpret_cast<LONG_PTR>(main);
+    browser.window = main.Number();
     EXPECT_TRUE(isInFrontAfterOpening());
     browser.moments = {{4, false}}; // complete: a dialog is no reason any more
     SetForegroundWindow(other);
@@ -431,7 +379,7 @@ TEST_F(OutOfProcessDialog, IsWaitedForWhenDisconnecting) {
     EXPECT_EQ(browser.Count("Quit"), 1);
 
     Connect(); // and a message may disconnect meanwhile
-    applications[1].window = reinterpret_cast<LONG_PTR>(main);
+    applications[1].window = main.Number();
     applications[1].moments = {{1, true}};
     EnableWindow(main, FALSE);
     Post([&] { backend.Connect(nullptr, strErr); });

@@ -2,10 +2,10 @@
 
 #include <platform/Exceptions.h>
 #include <platform/LastError.h>
-#include <platform/Window.h>
 
 #include "getter/GetterTest.h"
 #include "support/ScriptedBrowser.h"
+#include "support/TestWindow.h"
 
 using namespace test_support;
 
@@ -13,9 +13,6 @@ namespace {
 
 class ConnectTest : public GetterTest {
 protected:
-    ~ConnectTest() override { ::unsetenv("ZRHTTP_LEGACY_SYSTEM"); }
-    void UseLegacySystem() { ::setenv("ZRHTTP_LEGACY_SYSTEM", "1", 1); }
-
     // The pause that the getter makes before its second POST.
     DWORD SecurityWaitOf(EZrAbAppGroup group) {
         CZrHbUHttpGet getter(group);
@@ -63,11 +60,10 @@ TEST_F(ConnectTest, ChoosesTheBackEndByVariantSystemAndFlags) {
     };
     CZrHbUHttpGet getter(eAppGroup_2);
     for (const Case& c : cases) {
-        c.isLegacy ? UseLegacySystem() : void(::unsetenv("ZRHTTP_LEGACY_SYSTEM"));
+        const ScopedVariable system("ZRHTTP_LEGACY_SYSTEM", c.isLegacy ? "1" : nullptr);
         EXPECT_EQ(Connect(getter, c.serverUrl, c.inProcess, c.variant), 0u);
         EXPECT_EQ(script.kinds.back(), c.kind) << c.serverUrl << c.inProcess << c.isLegacy;
     }
-    ::unsetenv("ZRHTTP_LEGACY_SYSTEM");
     EXPECT_EQ(getter.ConnectRefact(nullptr, strErr, visible,
                                    CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "",
                                    "https://h/", 1, 0),
@@ -173,9 +169,8 @@ TEST_F(ConnectTest, ForwardsToTheBrowserAndItsWindow) {
     EXPECT_EQ(getter.GetWindow(), nullptr);
     browser->window = 12345;
     EXPECT_EQ(getter.GetWindow(), nullptr) << "a handle that is no window";
-    const HWND window =
-        CreateWindowExA(0, "LISTBOX", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    browser->window = reinterpret_cast<LONG_PTR>(window);
+    const TestWindow window;
+    browser->window = window.Number();
     EXPECT_EQ(getter.GetWindow(), window);
     browser->failing = {"get_HWND"};
     EXPECT_EQ(getter.GetWindow(), nullptr);
@@ -183,7 +178,6 @@ TEST_F(ConnectTest, ForwardsToTheBrowserAndItsWindow) {
     getter.KeepThisFrameOpen();
     EXPECT_EQ(script.calls,
               (std::vector<std::string>{"Connect", "PutVisible 5", "KeepThisFrameOpen"}));
-    DestroyWindow(window);
 }
 
 TEST_F(ConnectTest, ACopyHasEverythingButTheBrowser) {

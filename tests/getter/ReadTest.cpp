@@ -1,10 +1,12 @@
 // Reading pages: the step, the waiting loop, time-outs, titles, collecting, saving.
 
+#include <optional>
+
 #include <platform/Apartment.h>
-#include <platform/Window.h>
 
 #include "getter/GetterTest.h"
 #include "support/ScriptedBrowser.h"
+#include "support/TestWindow.h"
 
 using namespace test_support;
 
@@ -39,10 +41,6 @@ protected:
     }
     bool IsClosed() const { return !script.calls.empty() && script.calls.back() == "Close"; }
 };
-
-HWND TitledWindow(const char* title) {
-    return CreateWindowExA(0, "LISTBOX", title, 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-}
 
 } // namespace
 
@@ -164,16 +162,16 @@ TEST_F(ReadTest, IdleTooLongEndsTheWaitAndTheLongestIdleIsRemembered) {
 }
 
 TEST_F(ReadTest, BringsEachTitledWindowToTheFrontOnce) {
-    const HWND other = TitledWindow("other");
-    HWND prompt = nullptr;
+    const TestWindow other("other");
+    std::optional<TestWindow> prompt;
     int reads = 0;
     script.reads = {{.code = 10}};
     script.onRead = [&] {
         ++reads;
-        if (reads == 2) prompt = TitledWindow("prompt");
+        if (reads == 2) prompt.emplace("prompt");
         if (reads == 3) {
-            EXPECT_EQ(GetForegroundWindow(), prompt);
-            EXPECT_EQ(GetActiveWindow(), prompt);
+            EXPECT_EQ(GetForegroundWindow(), *prompt);
+            EXPECT_EQ(GetActiveWindow(), *prompt);
             SetForegroundWindow(other);
         }
         if (reads == 5) script.reads = {{.code = 0}};
@@ -184,8 +182,6 @@ TEST_F(ReadTest, BringsEachTitledWindowToTheFrontOnce) {
     EXPECT_EQ(getter.BusyRead2(page, strErr, &titles, 0, FALSE, nullptr, nullptr), 0u);
     EXPECT_EQ(GetForegroundWindow(), other);
     EXPECT_EQ(titles.GetSize(), 2);
-    DestroyWindow(prompt);
-    DestroyWindow(other);
 }
 
 TEST_F(ReadTest, CollectsPagesWithTheirUrlsUntilTheReadFails) {
@@ -243,19 +239,4 @@ TEST_F(ReadTest, SavesWithCrLfAndDeletesTheFileBefore) {
     const CString missing = home.Path("missing/page.html").c_str();
     EXPECT_EQ(getter.BusyReadSave(missing, strErr, 0, FALSE, nullptr, nullptr), 26u);
     EXPECT_EQ(strErr, "Failed to write to file '" + missing + "'.");
-}
-
-TEST_F(ReadTest, ServesTheThreadsMessagesWhileItWaits) {
-    static int received;
-    received = 0;
-    AfxRegisterWindowClass("ReadTestWindow",
-                           [](HWND, UINT, WPARAM, LPARAM) -> LRESULT { return ++received; });
-    const HWND window =
-        CreateWindowExA(0, "ReadTestWindow", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    script.reads = {{.code = 10}};
-    PostMessageA(window, WM_USER, 0, 0);
-    PostMessageA(window, WM_USER, 0, 0);
-    EXPECT_EQ(Step(), 10u);
-    EXPECT_EQ(received, 2);
-    DestroyWindow(window);
 }

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <platform/Clock.h>
 #include <platform/LastError.h>
-#include <platform/Window.h>
 
 #include "siblings/ZrAbResourceHandling.h"
 #include "siblings/ZrCbFileSystem.h"
@@ -12,6 +11,7 @@
 #include "siblings/ZrCbSystem.h"
 #include "support/ManualClock.h"
 #include "support/TemporaryHome.h"
+#include "support/TestWindow.h"
 
 namespace {
 
@@ -134,12 +134,10 @@ TEST(System, WaitsAcrossTheWrapOfTheTickCountAndUnderAFloodOfMessages) {
     EXPECT_LE(clock.TickCount(), 160u);
 
     AfxRegisterWindowClass("PostAgain", PostAgain);
-    const HWND window =
-        CreateWindowExA(0, "PostAgain", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    const test_support::TestWindow window("", nullptr, "PostAgain");
     PostMessageA(window, WM_USER, 0, 0);
     CZrCbSystem::WaitTimeout(100, 1);
     EXPECT_EQ(messagesHandled, 100);
-    DestroyWindow(window);
 }
 
 } // namespace

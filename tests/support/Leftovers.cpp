@@ -4,35 +4,22 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <sstream>
 #include <thread>
 
 #include <sys/prctl.h>
+#include <unistd.h>
+
+#include "support/Processes.h"
 
 namespace test_support {
 namespace {
 
-// "PID (name)", or empty when the process has ended (also when nobody has collected it yet).
-std::string Describe(const std::string& pid) {
-    std::ifstream file("/proc/" + pid + "/stat");
-    std::string line;
-    std::getline(file, line);
-    const std::size_t nameEnd = line.rfind(") ");
-    if (nameEnd == std::string::npos || line.find_first_of("ZX", nameEnd) == nameEnd + 2) return {};
-    return line.substr(0, nameEnd + 1);
-}
-
 std::vector<std::string> LookOnce() {
     std::vector<std::string> running;
-    std::error_code error;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task", error)) {
-        std::ifstream children(task.path() / "children");
-        for (std::string pid; children >> pid;)
-            if (std::string process = Describe(pid); !process.empty())
-                running.push_back(std::move(process));
-    }
+    for (const Process& process : AllProcesses())
+        if (process.parent == ::getpid() && process.IsRunning())
+            running.push_back(std::to_string(process.id) + " (" + process.name + ")");
     return running;
 }
 
@@ -48,17 +35,6 @@ std::set<std::string> AllProfileDirectories() {
                 found.insert(entry.path());
     }
     return found;
-}
-
-std::string AllCommandLines() {
-    std::ostringstream all;
-    std::error_code error;
-    for (const auto& process : std::filesystem::directory_iterator("/proc", error)) {
-        std::ifstream file(process.path() / "cmdline", std::ios::binary);
-        all << file.rdbuf(); // which does not throw when the process ends meanwhile
-        all.clear();         // nothing came
-    }
-    return all.str();
 }
 
 } // namespace
@@ -93,9 +69,10 @@ std::vector<std::string> ProfileDirectories::AbandonedNow() const {
     std::set_difference(now.begin(), now.end(), m_before.begin(), m_before.end(),
                         std::back_inserter(left));
     if (left.empty()) return left;
-    const std::string commandLines = AllCommandLines();
+    const auto processes = AllProcesses();
     std::erase_if(left, [&](const std::string& directory) {
-        return commandLines.find(directory) != std::string::npos;
+        return std::ranges::any_of(
+            processes, [&](const Process& one) { return one.HasInCommandLine(directory); });
     });
     return left;
 }

@@ -9,10 +9,11 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "browser/chromium/SpawnProgram.h"
 
 namespace test_support {
 namespace {
@@ -48,35 +49,16 @@ std::string ReadAll(int file) {
     }
 }
 
-// As the system takes lists of texts: ended by a null.
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
 pid_t Start(const std::vector<std::string>& arguments, int input, int output, int error) {
-    std::vector<std::string> words{ZRHTTP_TOOL};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<std::string> variables{"no_proxy=127.0.0.1,localhost"};
+    platform::ProgramStart start;
+    start.command = {ZRHTTP_TOOL};
+    start.command.insert(start.command.end(), arguments.begin(), arguments.end());
+    start.descriptors = {{input, 0}, {output, 1}, {error, 2}};
+    start.environment = {"no_proxy=127.0.0.1,localhost"};
     for (char** variable = environ; *variable; ++variable)
-        variables.emplace_back(*variable);
-    const std::vector<char*> wordPointers = Pointers(words);
-    const std::vector<char*> variablePointers = Pointers(variables);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, error, STDERR_FILENO);
-    pid_t process = -1;
-    const int failure = posix_spawn(&process, ZRHTTP_TOOL, &actions, nullptr, wordPointers.data(),
-                                    variablePointers.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) throw std::system_error(failure, std::generic_category(), ZRHTTP_TOOL);
-    return process;
+        start.environment.emplace_back(*variable);
+    const auto process = platform::StartProgram(start);
+    return Checked(process.value_or(-1), ZRHTTP_TOOL);
 }
 
 int ExitStatus(int waitStatus) {

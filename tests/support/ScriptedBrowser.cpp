@@ -81,13 +81,9 @@ HRESULT ScriptedBrowser::Called(const std::string& call) {
 
 HRESULT ScriptedBrowser::Navigate2(VARIANT* url, VARIANT* flags, VARIANT*, VARIANT* post,
                                    VARIANT* headers) {
-    Navigation navigation;
-    navigation.url = AnsiText(*url);
-    navigation.flags = flags->lVal;
-    navigation.hasPostData = post->vt != VT_EMPTY;
-    if (navigation.hasPostData) navigation.postData = Bytes(post->parray);
-    navigation.hasHeaders = headers->vt != VT_EMPTY;
-    if (navigation.hasHeaders) navigation.headers = AnsiText(*headers);
+    Navigation navigation{AnsiText(*url), flags->lVal};
+    if (post->vt != VT_EMPTY) navigation.postData = Bytes(post->parray);
+    if (headers->vt != VT_EMPTY) navigation.headers = AnsiText(*headers);
     navigations.push_back(navigation);
     return Called("Navigate2");
 }

@@ -54,14 +54,14 @@ public:
     // What happens inside a call, by its name.
     std::map<std::string, std::function<void()>> during;
 
+    static constexpr const char* kLeftOut = "(left out)";
     // What Navigate2 was given.
     struct Navigation {
         std::string url;
         LONG flags = 0;
-        bool hasPostData = false;
-        std::string postData;
-        bool hasHeaders = false;
-        std::string headers;
+        std::string postData = kLeftOut;
+        std::string headers = kLeftOut;
+        bool operator==(const Navigation&) const = default;
     };
     std::vector<Navigation> navigations;
     std::vector<std::string> calls; // "Navigate2", "Stop", "Quit", "put_Visible -1", ...

@@ -5,58 +5,22 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <stdexcept>
 #include <thread>
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <xcb/xcb.h>
+
+#include "browser/chromium/SpawnProgram.h"
 
 namespace test_support {
 namespace {
 
 constexpr int kNumberDescriptor = 3; // where the server writes its display number
 
-struct Disconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
-using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
-
-Connection Connect(const std::string& name) {
-    Connection connection(xcb_connect(name.c_str(), nullptr));
-    if (xcb_connection_has_error(connection.get())) throw std::runtime_error("no display " + name);
-    return connection;
-}
-
-xcb_screen_t& Screen(xcb_connection_t* connection) {
-    return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-}
-
-// numberPipe: what the program has as descriptor 3, or -1.
-pid_t Start(std::vector<std::string> words, std::vector<std::string> variables, int numberPipe) {
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    std::vector<char*> environment;
-    for (std::string& variable : variables)
-        environment.push_back(variable.data());
-    environment.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    if (numberPipe >= 0) posix_spawn_file_actions_adddup2(&actions, numberPipe, kNumberDescriptor);
-    pid_t process = -1;
-    const int failure = posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(),
-                                     environment.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) throw std::runtime_error("cannot start " + words[0]);
-    return process;
-}
+template <class T>
+using Answer = std::unique_ptr<T, decltype(&std::free)>;
 
 void EndProcess(pid_t& process) {
     if (process <= 0) return;
@@ -73,12 +37,10 @@ std::string ReadLine(int descriptor) {
     return line;
 }
 
-// Tells whether the window can be seen.
-bool IsViewable(xcb_connection_t* connection, xcb_window_t window) {
+Answer<xcb_get_window_attributes_reply_t> AttributesOf(xcb_connection_t* connection,
+                                                       xcb_window_t window) {
     const auto asked = xcb_get_window_attributes(connection, window);
-    const std::unique_ptr<xcb_get_window_attributes_reply_t, decltype(&std::free)> answer(
-        xcb_get_window_attributes_reply(connection, asked, nullptr), &std::free);
-    return answer && answer->map_state == XCB_MAP_STATE_VIEWABLE;
+    return {xcb_get_window_attributes_reply(connection, asked, nullptr), &std::free};
 }
 
 void WaitUntil(const std::function<bool()>& isDone) {
@@ -88,28 +50,6 @@ void WaitUntil(const std::function<bool()>& isDone) {
             throw std::runtime_error("the window manager does not start");
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-}
-
-bool IsRedirected(xcb_connection_t* connection, xcb_window_t root) {
-    const auto asked = xcb_get_window_attributes(connection, root);
-    const std::unique_ptr<xcb_get_window_attributes_reply_t, decltype(&std::free)> answer(
-        xcb_get_window_attributes_reply(connection, asked, nullptr), &std::free);
-    return answer && (answer->all_event_masks & XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
-}
-
-// Until it manages a window: while it starts it may lose one.
-void WaitForWindowManager(const std::string& display) {
-    const Connection owner = Connect(display);
-    xcb_connection_t* const connection = owner.get();
-    const xcb_window_t root = Screen(connection).root;
-    WaitUntil([&] { return IsRedirected(connection, root); });
-    const xcb_window_t probe = xcb_generate_id(connection);
-    xcb_create_window(connection, XCB_COPY_FROM_PARENT, probe, root, 0, 0, 50, 50, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-    WaitUntil([&] {
-        xcb_map_window(connection, probe);
-        return IsViewable(connection, probe);
-    });
 }
 
 } // namespace
@@ -131,22 +71,47 @@ XServer::~XServer() {
 void XServer::StartServer() {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
-    m_server = Start({"Xvfb", "-displayfd", std::to_string(kNumberDescriptor), "-nolisten", "tcp",
-                      "-noreset", "-screen", "0", "1024x768x24"},
-                     {}, ends[1]);
+    const auto server =
+        platform::StartProgram({{"Xvfb", "-displayfd", std::to_string(kNumberDescriptor),
+                                 "-nolisten", "tcp", "-terminate", "-screen", "0", "1024x768x24"},
+                                {{ends[1], kNumberDescriptor}},
+                                {}});
     close(ends[1]);
-    const std::string number = ReadLine(ends[0]);
+    m_name = ":" + ReadLine(ends[0]);
     close(ends[0]);
-    if (number.empty()) throw std::runtime_error("Xvfb does not start");
-    m_name = ":" + number;
+    m_server = server.value_or(-1);
+    m_connection.reset(xcb_connect(m_name.c_str(), nullptr));
+    if (xcb_connection_has_error(m_connection.get()))
+        throw std::runtime_error("Xvfb does not start");
 }
 
 void XServer::StartWindowManager() {
     const auto empty = Screenshot();
-    m_windowManager = Start({"openbox", "--sm-disable"},
-                            {"DISPLAY=" + m_name, "HOME=" + m_home, "PATH=/usr/bin:/bin"}, -1);
-    WaitForWindowManager(m_name);
+    m_windowManager =
+        platform::StartProgram({{"openbox", "--sm-disable"},
+                                {},
+                                {"DISPLAY=" + m_name, "HOME=" + m_home, "PATH=/usr/bin:/bin"}})
+            .value_or(-1);
+    WaitForWindowManager();
     WaitUntil([&] { return Screenshot() == empty; });
+}
+
+// Until it manages a window: while it starts it may lose one.
+void XServer::WaitForWindowManager() const {
+    const XConnection owner(xcb_connect(m_name.c_str(), nullptr)); // takes the window along
+    const xcb_window_t root = Screen().root;
+    WaitUntil([&] {
+        const auto answer = AttributesOf(owner.get(), root);
+        return answer && (answer->all_event_masks & XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
+    });
+    const xcb_window_t probe = xcb_generate_id(owner.get());
+    xcb_create_window(owner.get(), XCB_COPY_FROM_PARENT, probe, root, 0, 0, 50, 50, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    WaitUntil([&] {
+        xcb_map_window(owner.get(), probe);
+        const auto answer = AttributesOf(owner.get(), probe);
+        return answer && answer->map_state == XCB_MAP_STATE_VIEWABLE;
+    });
 }
 
 void XServer::End() {
@@ -154,14 +119,17 @@ void XServer::End() {
     EndProcess(m_windowManager); // last, so that it does not rearrange anything
 }
 
+const xcb_screen_t& XServer::Screen() const {
+    return *xcb_setup_roots_iterator(xcb_get_setup(m_connection.get())).data;
+}
+
 std::vector<std::uint8_t> XServer::Screenshot() const {
-    const Connection connection = Connect(m_name);
-    const xcb_screen_t& screen = Screen(connection.get());
+    const xcb_screen_t& screen = Screen();
     const auto asked =
-        xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen.root, 0, 0,
+        xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen.root, 0, 0,
                       screen.width_in_pixels, screen.height_in_pixels, ~std::uint32_t{0});
-    const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> image(
-        xcb_get_image_reply(connection.get(), asked, nullptr), &std::free);
+    const Answer<xcb_get_image_reply_t> image(
+        xcb_get_image_reply(m_connection.get(), asked, nullptr), &std::free);
     if (!image) throw std::runtime_error("no picture of the screen");
     const std::uint8_t* const pixels = xcb_get_image_data(image.get());
     return {pixels, pixels + xcb_get_image_data_length(image.get())};

@@ -39,7 +39,6 @@ public:
     void Show(bool isVisible) override { m_window->ShowByOwner(isVisible); }
     bool IsVisible() const override { return m_window->IsVisible(); }
     void SetEnabled(bool isEnabled) override { EnableWindow(Handle(), isEnabled ? TRUE : FALSE); }
-    void SetTitle(const std::string&) override {}
     void OnVisibleChanged(std::function<void(bool)> handler) override {
         m_window->OnVisibleChanged(std::move(handler));
     }

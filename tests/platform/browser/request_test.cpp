@@ -25,13 +25,15 @@ protected:
 };
 
 TEST_F(Request, PostBytesGoOutAsGiven) {
-    const std::string body("a=\0\x01\xFF\r\n&b=", 10);
-    m_browser.Load(m_server.Url("/echo"), body, "Content-Type: text/x\r\nContent-Length: 10\r\n");
+    const std::string body = std::string("a=\0\x01\xFF\r\n&b=", 10) + std::string(3'000'000, 'p');
+    m_browser.Load(m_server.Url("/echo"), body,
+                   "Content-Type: text/x\r\nContent-Length: 3000010\r\n");
     const ReceivedRequest request = Last(m_server, "/echo");
     EXPECT_EQ("POST", request.method);
-    EXPECT_EQ(body, request.body);
+    EXPECT_TRUE(body == request.body);
     EXPECT_EQ("text/x", request.Header("Content-Type"));
-    EXPECT_EQ("10", request.Header("Content-Length"));
+    EXPECT_EQ("3000010", request.Header("Content-Length"));
+    EXPECT_EQ("(none)", request.Header("Expect"));
 }
 
 TEST_F(Request, TheHeaderBlockGoesOutAsGiven) {
@@ -48,13 +50,6 @@ TEST_F(Request, TheHeaderBlockGoesOutAsGiven) {
     EXPECT_EQ(std::string::npos, request.find("Expect")) << request;
 }
 
-TEST_F(Request, ALargePostNeedsNoPermission) {
-    const std::string body(3 * 1024 * 1024, 'p');
-    m_browser.Load(m_server.Url("/echo"), body, "Content-Type: text/plain\r\n");
-    EXPECT_TRUE(Last(m_server, "/echo").body == body);
-    EXPECT_EQ("(none)", Last(m_server, "/echo").Header("Expect"));
-}
-
 // On a kept connection that breaks off, the data would be sent twice.
 TEST_F(Request, PostDataGoesOverAConnectionOfItsOwn) {
     const std::string reply = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
@@ -67,13 +62,6 @@ TEST_F(Request, PostDataGoesOverAConnectionOfItsOwn) {
     browser.Load(server.Url("/post"), "a=1", "Content-Type: text/plain\r\n");
     EXPECT_EQ("ok", browser.Source());
     gate->Open();
-}
-
-TEST_F(Request, WithoutDataItIsAGet) {
-    m_browser.Load(m_server.Url("/echo?q=1#part"));
-    EXPECT_EQ("GET", Last(m_server, "/echo").method);
-    EXPECT_EQ("/echo?q=1", Last(m_server, "/echo").target);
-    EXPECT_EQ(m_server.Url("/echo?q=1#part"), m_browser.Location());
 }
 
 TEST_F(Request, UrlsAreCompletedAndEscaped) {
@@ -150,15 +138,6 @@ TEST_F(Request, ARedirectWithoutEndOfItsBodyIsFollowedAllTheSame) {
     m_browser.Load(m_server.Url("/from"));
     EXPECT_EQ(m_server.Url("/echo"), m_browser.Location());
     gate->Open();
-}
-
-TEST_F(Request, CookiesLiveAsLongAsTheBrowser) {
-    m_browser.Load(m_server.Url("/set-cookie?session=42"));
-    m_browser.Load(m_server.Url("/echo"));
-    EXPECT_EQ("session=42", Last(m_server, "/echo").Header("Cookie"));
-    TestBrowser another;
-    another.Load(m_server.Url("/echo"));
-    EXPECT_EQ("(none)", Last(m_server, "/echo").Header("Cookie"));
 }
 
 TEST_F(Request, CredentialsStayWithTheirOrigin) {

@@ -9,48 +9,15 @@
 #include <stdexcept>
 #include <thread>
 
+#include "support/Processes.h"
+
 namespace platform_test {
 namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-
-// Empty also for a process that has ended and waits to be collected.
-std::string CommandLineOf(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/cmdline", std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf(); // which does not throw when the process ends meanwhile
-    return text.str();
-}
-
-struct State {
-    char state = 'X';
-    pid_t group = -1;
-};
-
-State StateOf(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-    std::string line;
-    std::getline(file, line);
-    State state;
-    pid_t parent = 0;
-    std::istringstream rest(line.substr(std::min(line.rfind(')') + 1, line.size())));
-    rest >> state.state >> parent >> state.group;
-    return state;
-}
-
-bool IsRunning(const State& state) {
-    return state.state != 'Z' && state.state != 'X';
-}
-
-std::vector<pid_t> AllProcesses() {
-    std::vector<pid_t> processes;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc", error))
-        if (const pid_t process = std::atoi(entry.path().filename().c_str()); process > 0)
-            processes.push_back(process);
-    return processes;
-}
+using test_support::AllProcesses;
+using test_support::Process;
 
 // As /proc/PID/fd shows them: "socket:[inode]".
 std::set<std::string> ListeningSockets() {
@@ -74,11 +41,10 @@ std::set<std::string> ListeningSockets() {
 BrowserProcesses::BrowserProcesses(const std::string& profile) : m_profile(profile) {
     for (const auto end = Clock::now() + 20s; Clock::now() < end;) {
         // The supervisor has the directory in its command line, too, but leads no group.
-        for (const pid_t process : AllProcesses())
-            if (CommandLineOf(process).find("--user-data-dir=" + profile) != std::string::npos &&
-                CommandLineOf(process).find("/bin/sh") == std::string::npos &&
-                StateOf(process).group == process)
-                m_browser = process;
+        for (const Process& process : AllProcesses())
+            if (process.HasInCommandLine("--user-data-dir=" + profile) &&
+                !process.HasInCommandLine("/bin/sh") && process.group == process.id)
+                m_browser = process.id;
         if (m_browser > 0) return;
         std::this_thread::sleep_for(10ms);
     }
@@ -87,12 +53,10 @@ BrowserProcesses::BrowserProcesses(const std::string& profile) : m_profile(profi
 
 std::vector<pid_t> BrowserProcesses::All() const {
     std::vector<pid_t> found;
-    for (const pid_t process : AllProcesses()) {
-        const State state = StateOf(process);
-        if (IsRunning(state) && (state.group == m_browser ||
-                                 CommandLineOf(process).find(m_profile) != std::string::npos))
-            found.push_back(process);
-    }
+    for (const Process& process : AllProcesses())
+        if (process.IsRunning() &&
+            (process.group == m_browser || process.HasInCommandLine(m_profile)))
+            found.push_back(process.id);
     return found;
 }
 

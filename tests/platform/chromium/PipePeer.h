@@ -43,6 +43,7 @@ public:
 
     void StopReading() { m_commands.read.Close(); }
     void StopWriting() { m_answers.write.Close(); }
+    void StopErrors() { m_errors.write.Close(); }
 };
 
 } // namespace platform_test

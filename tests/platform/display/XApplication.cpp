@@ -86,11 +86,6 @@ void XApplication::Destroy(xcb_window_t window) {
     Sync();
 }
 
-void XApplication::SetTitle(xcb_window_t window, const std::string& utf8) {
-    xcb_ewmh_set_wm_name(&m_names, window, static_cast<std::uint32_t>(utf8.size()), utf8.data());
-    Sync();
-}
-
 void XApplication::TakeKeyboard(xcb_window_t window) {
     xcb_set_input_focus(m_connection.get(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
     Sync();

@@ -1,12 +1,11 @@
 // A program with windows on an X display, played by the test.
 #pragma once
 
-#include <cstdint>
-#include <memory>
 #include <string>
 
-#include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
+
+#include "support/XServer.h"
 
 namespace display_test {
 
@@ -27,7 +26,6 @@ public:
     void Unmap(xcb_window_t window);
     void Iconify(xcb_window_t window);
     void Destroy(xcb_window_t window);
-    void SetTitle(xcb_window_t window, const std::string& utf8);
     void TakeKeyboard(xcb_window_t window);
     xcb_window_t KeyboardIsAt();
 
@@ -35,13 +33,10 @@ public:
     int TakeTimesSeen();
 
 private:
-    struct Disconnect {
-        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-    };
     xcb_window_t Create(const std::string& instance, const std::string& title);
     void Sync();
 
-    std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+    test_support::XConnection m_connection;
     xcb_screen_t* m_screen;
     xcb_ewmh_connection_t m_names{};
 };

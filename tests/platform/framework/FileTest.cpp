@@ -1,30 +1,17 @@
 #include <platform/File.h>
 
 #include <filesystem>
-#include <functional>
 
 #include <gtest/gtest.h>
-#include <platform/Exceptions.h>
 #include <platform/LastError.h>
 #include <sys/stat.h>
 
 #include "support/TemporaryHome.h"
+#include "support/ThrownBy.h"
 
 namespace {
 
 constexpr UINT kNewFile = CFile::modeCreate | CFile::modeWrite;
-
-// The number of the CFileException that the operation throws; ERROR_SUCCESS when it throws none.
-DWORD ErrorThrownBy(const std::function<void()>& operation) {
-    try {
-        operation();
-    } catch (CFileException* exception) {
-        const DWORD error = exception->m_lOsError;
-        exception->Delete();
-        return error;
-    }
-    return ERROR_SUCCESS;
-}
 
 class FileTest : public testing::Test {
 protected:
@@ -92,15 +79,17 @@ TEST_F(FileTest, PrivateFilesBelongToTheUserWhateverTheUmask) {
 }
 
 TEST_F(FileTest, FailuresAreToldWithTheirNumber) {
+    const auto expectError = [](DWORD error, const auto& operation) {
+        EXPECT_EQ(test_support::ThrownBy(operation), "file error " + std::to_string(error));
+    };
     CStdioFile full;
     ASSERT_TRUE(full.Open("/dev/full", CFile::modeWrite));
-    EXPECT_EQ(ErrorThrownBy([&] { full.WriteString("x"); }), ERROR_DISK_FULL);
-    EXPECT_EQ(ErrorThrownBy([&] { file.Write("x", 1); }), ERROR_INVALID_HANDLE) << "not open";
+    expectError(ERROR_DISK_FULL, [&] { full.WriteString("x"); });
+    expectError(ERROR_INVALID_HANDLE, [&] { file.Write("x", 1); }); // not open
     const std::string missing = home.Path("missing");
-    EXPECT_EQ(ErrorThrownBy([&] { CFile::Remove(missing.c_str()); }), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(ErrorThrownBy([&] { CFile::Remove("c:\\..\\x"); }), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(ErrorThrownBy([&] { CFile::Rename(missing.c_str(), "c:\\x"); }),
-              ERROR_FILE_NOT_FOUND);
+    expectError(ERROR_FILE_NOT_FOUND, [&] { CFile::Remove(missing.c_str()); });
+    expectError(ERROR_ACCESS_DENIED, [] { CFile::Remove("c:\\..\\x"); });
+    expectError(ERROR_FILE_NOT_FOUND, [&] { CFile::Rename(missing.c_str(), "c:\\x"); });
 
     EXPECT_FALSE(file.Open(missing.c_str(), CFile::modeWrite));
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);

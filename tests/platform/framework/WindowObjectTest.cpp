@@ -6,10 +6,11 @@
 
 #include <platform/Browser.h>
 #include <platform/CWnd.h>
-#include <platform/Exceptions.h>
 
 #include "support/FailingAutomation.h"
 #include "support/ScriptedBrowser.h"
+#include "support/TestWindow.h"
+#include "support/ThrownBy.h"
 
 using namespace test_support;
 
@@ -33,9 +34,7 @@ protected:
     ScriptedControl control;
     CountedWindows windows;
     platform::ScopedService<platform::WindowFactory> installed{windows};
-    HWND top =
-        CreateWindowExA(0, "LISTBOX", "top", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-    ~WindowObject() override { DestroyWindow(top); }
+    const TestWindow top{"top"};
 
     BOOL Create(CWnd& window) {
         return window.CreateControl(CLSID_WebBrowser, "name", WS_VISIBLE, {-5, -4, 0, 1},
@@ -47,21 +46,6 @@ protected:
         return control->Release();
     }
 };
-
-// What a call throws: its description, or its code in hexadecimal.
-CString ThrownBy(const auto& call) {
-    CString text = "nothing";
-    try {
-        call();
-    } catch (COleDispatchException* exception) {
-        text = exception->m_strDescription;
-        exception->Delete();
-    } catch (COleException* exception) {
-        text.Format("%08x", static_cast<unsigned>(exception->m_sc));
-        exception->Delete();
-    }
-    return text;
-}
 
 } // namespace
 

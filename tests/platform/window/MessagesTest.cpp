@@ -13,6 +13,9 @@
 #include <platform/Window.h>
 
 #include "support/ManualClock.h"
+#include "support/TestWindow.h"
+
+using test_support::TestWindow;
 
 namespace {
 
@@ -26,6 +29,7 @@ LRESULT NotingProcedure(HWND, UINT message, WPARAM wParam, LPARAM) {
     return static_cast<LRESULT>(message) * 2;
 }
 
+// Stays until it is destroyed or the thread ends.
 HWND NotingWindow(const char* title = "noting") {
     AfxRegisterWindowClass("NotingWindow", &NotingProcedure);
     received.clear();
@@ -127,26 +131,22 @@ TEST(Messages, TheEndOfAThreadLetsItsSendersGoAndTakesItsWindows) {
 }
 
 TEST(Windows, AreFoundByExactTitleTheFrontmostFirst) {
-    const HWND back = NotingWindow("same");
-    const HWND front = NotingWindow("same");
+    const TestWindow back("same");
+    const TestWindow front("same");
     EXPECT_EQ(FindWindowA(nullptr, "same"), front);
-    EXPECT_EQ(FindWindowA("LISTBOX", "same"), nullptr);
+    EXPECT_EQ(FindWindowA("BUTTON", "same"), nullptr);
     EXPECT_EQ(FindWindowA(nullptr, "Same"), nullptr);
     SetForegroundWindow(back);
     EXPECT_EQ(FindWindowA(nullptr, "same"), back);
     EXPECT_EQ(GetForegroundWindow(), back);
-    const HWND child = CreateWindowExA(0, "LISTBOX", "child", WS_VISIBLE, 0, 0, 1, 1, back, nullptr,
-                                       nullptr, nullptr);
+    const TestWindow child("child", back);
     EXPECT_TRUE(IsWindowVisible(child));
     EXPECT_EQ(GetParent(child), back);
     EXPECT_EQ(FindWindowA(nullptr, "child"), nullptr);
     DestroyWindow(back);
     EXPECT_FALSE(IsWindow(child));
     EXPECT_EQ(GetForegroundWindow(), nullptr);
-    DestroyWindow(front);
-    EXPECT_EQ(
-        CreateWindowExA(0, "NoSuchClass", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr),
-        nullptr);
+    EXPECT_FALSE(IsWindow(TestWindow("", nullptr, "NoSuchClass")));
 }
 
 TEST(Windows, ReleaseTheControlTheyHostWhenTheyGo) {
@@ -159,7 +159,7 @@ TEST(Windows, ReleaseTheControlTheyHostWhenTheyGo) {
         std::atomic<int>& m_alive;
     };
     std::atomic<int> alive{0};
-    const HWND window = NotingWindow();
+    const TestWindow window;
     AtlAxAttachControl(MakeObject<Control>(alive).Get(), window, nullptr);
     EXPECT_EQ(alive, 1);
     AtlAxAttachControl(MakeObject<Control>(alive).Get(), window, nullptr); // replaces the first
@@ -195,7 +195,7 @@ TEST(Apartment, NewsEndsAPauseAndOtherMessagesDoNot) {
     test_support::ManualClock clock;
     const platform::ScopedService<platform::Clock> installed(clock);
     WaitForApartmentNews(1); // what earlier tests have left
-    const HWND window = NotingWindow();
+    const TestWindow window;
     PostMessageA(window, WM_USER, 0, 0);
     const DWORD start = clock.TickCount();
     EXPECT_FALSE(WaitForApartmentNews(200));
@@ -213,7 +213,6 @@ TEST(Apartment, NewsEndsAPauseAndOtherMessagesDoNot) {
     Pump();
     EXPECT_TRUE(WaitForApartmentNews(200));
     EXPECT_FALSE(WaitForApartmentNews(200));
-    DestroyWindow(window);
 }
 
 TEST(Apartment, DropsWorkForAThreadThatHasEnded) {
