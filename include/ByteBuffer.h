@@ -7,11 +7,13 @@
 
 class CByteBuffer {
 public:
-    // nInitial: bytes reserved at the first addition; nGrow: smallest growth in bytes after that.
-    // Both only tune memory use.
+    // nInitial: bytes reserved at the first addition to an empty buffer; nGrow: smallest growth in
+    // bytes after that. Both only tune memory use.
     CByteBuffer(int nInitial, int nGrow);
     CByteBuffer(const CByteBuffer&) = default;
     CByteBuffer& operator=(const CByteBuffer&) = default;
+    CByteBuffer(CByteBuffer&&) = default;
+    CByteBuffer& operator=(CByteBuffer&&) = default;
     virtual ~CByteBuffer() = default;
 
     // Appends the text's bytes without its NUL.
@@ -22,6 +24,10 @@ public:
     // Replaces the content by the text's bytes without its NUL.
     CByteBuffer& operator=(const char* pszText);
     void RemoveAll();
+    // Makes room for nMore further bytes: adding up to that many moves nothing.
+    void Reserve(std::size_t nMore);
+    // Removes everything behind the first nCount bytes.
+    void Truncate(DWORD nCount);
 
     // All bytes as a text, NUL bytes included.
     CString GetString() const;
@@ -30,8 +36,6 @@ public:
     const BYTE* GetData() const { return m_bytes.data(); }
 
 private:
-    void Reserve(std::size_t more);
-
     std::vector<BYTE> m_bytes;
     DWORD m_initial;
     DWORD m_grow;

@@ -2,8 +2,10 @@
 // one of two encodings, URL-encoded or multipart/form-data (RFC 7578), together with its
 // Content-Type line. Confidential values can be masked in a second view of the same set.
 //
-// Names are unique, compared exactly. Nothing is sent from here. One object, one thread at a time.
-// Results are 1 for success and 0 for failure; GetLastError tells why.
+// Names are unique, compared exactly, and go into the outputs as they are, as file names do: that
+// they hold neither quotes nor line ends, nor "&" and "=" in the URL-encoded form, is up to the
+// caller. Texts count up to their first NUL byte. Nothing is sent from here. One object, one
+// thread at a time. Results are 1 for success and 0 for failure; GetLastError tells why.
 //
 //     CZrHbDataTransmit form;
 //     form.SetField("account", "4711", CZrHbDataTransmit::eDataConfidentialityType_Public);
@@ -70,8 +72,8 @@ public:
     CString GetURLEncodedHeader() const;
 
     // The body; empty without fields. Without a boundary that was set, one of 21 letters and
-    // digits that does not occur in the data is generated after each change of the set: the thread
-    // pauses for 1000 ms each time.
+    // digits that does not occur in the data is generated after fields were added or replaced: the
+    // thread pauses for 1000 ms each time.
     CString GetMultipartData();
     CString GetMultipartData(EZrHbRequestDataType eType);
     // The pairs "name=value" joined by "&", values encoded, names as they are; empty without

@@ -2,8 +2,9 @@
 //
 // The caller joins pieces in the order it wants, ends with the closing piece, and announces the
 // boundary in the request's Content-Type. Three generations of pieces stay side by side; their
-// layout is fixed by the servers that read them. Nothing checks that the boundary does not occur
-// in the content, and names are not escaped. All functions are static and keep no state; any
+// layout is fixed by the servers that read them. Texts go in as they are, up to their first NUL
+// byte: that names and file names hold neither quotes nor line ends, and that the boundary does
+// not occur in the content, is up to the caller. All functions are static and keep no state; any
 // thread. Failed reads are told in strErr ("Cannot read file 'PATH': REASON"), which is left as it
 // was by a read that succeeds.
 #pragma once

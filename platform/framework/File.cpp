@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <utility>
 
 #include <fcntl.h>
@@ -67,6 +68,15 @@ DWORD CheckOpened(int descriptor, UINT nOpenFlags) {
     if ((nOpenFlags & CFile::modeCreate) && (nOpenFlags & CFile::modePrivate))
         RestoreOwnerAccess(descriptor, status.st_mode);
     return ERROR_SUCCESS;
+}
+
+// Nothing when there is no such file.
+std::optional<mode_t> ModeOf(const char* pszFileName) {
+    CString strLocal;
+    struct stat status = {};
+    if (!platform::LocalFileName(pszFileName, strLocal)) return std::nullopt;
+    if (::stat(strLocal, &status) != 0) return std::nullopt;
+    return status.st_mode;
 }
 
 CString WithCarriageReturns(const CString& strText) {
@@ -158,10 +168,13 @@ void CFile::Rename(const char* pszOldName, const char* pszNewName) {
 }
 
 BOOL CFile::Exists(const char* pszFileName) {
-    CString strLocal;
-    struct stat status = {};
-    return platform::LocalFileName(pszFileName, strLocal) && ::stat(strLocal, &status) == 0 &&
-           !S_ISDIR(status.st_mode);
+    const std::optional<mode_t> mode = ModeOf(pszFileName);
+    return mode && !S_ISDIR(*mode);
+}
+
+BOOL CFile::IsDirectory(const char* pszFileName) {
+    const std::optional<mode_t> mode = ModeOf(pszFileName);
+    return mode && S_ISDIR(*mode);
 }
 
 BOOL CStdioFile::Open(const char* pszFileName, UINT nOpenFlags) {

@@ -8,8 +8,8 @@ CByteBuffer::CByteBuffer(int nInitial, int nGrow)
       m_grow(static_cast<DWORD>(std::max(nGrow, 0))) {}
 
 // Grows by at least half of what is held, so that many small additions stay linear.
-void CByteBuffer::Reserve(std::size_t more) {
-    const std::size_t needed = m_bytes.size() + more;
+void CByteBuffer::Reserve(std::size_t nMore) {
+    const std::size_t needed = m_bytes.size() + nMore;
     const std::size_t capacity = m_bytes.capacity();
     if (needed <= capacity) return;
     const std::size_t growth = std::max<std::size_t>(m_grow, capacity / 2);
@@ -32,14 +32,19 @@ CByteBuffer& CByteBuffer::operator+=(const char* pszText) {
     return *this;
 }
 
+// Without the room of a first addition: many buffers only ever hold the text they are given.
 CByteBuffer& CByteBuffer::operator=(const char* pszText) {
-    RemoveAll();
-    Add(pszText);
+    const std::string_view text = pszText ? std::string_view(pszText) : std::string_view();
+    m_bytes.assign(text.begin(), text.end());
     return *this;
 }
 
 void CByteBuffer::RemoveAll() {
     m_bytes.clear();
+}
+
+void CByteBuffer::Truncate(DWORD nCount) {
+    if (nCount < m_bytes.size()) m_bytes.resize(nCount);
 }
 
 CString CByteBuffer::GetString() const {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include <platform/Exceptions.h>
@@ -12,6 +14,8 @@
 namespace {
 
 constexpr UINT kReadChunk = 64 * 1024; // bytes
+// For what callers put behind a file in a buffer, so that it does not move the file.
+constexpr std::size_t kRoomBehind = 256; // bytes
 // A CString counts its characters with an int.
 constexpr std::size_t kLargestFile = std::numeric_limits<int>::max();
 
@@ -35,22 +39,31 @@ void Append(std::string& path, std::string_view part) {
 }
 
 CString ReasonText(const CString& strPath, DWORD dwError) {
-    return "Cannot read file '" + strPath + "': " + platform::SystemErrorText(dwError);
+    const bool isDirectory = dwError == ERROR_ACCESS_DENIED && CFile::IsDirectory(strPath);
+    return "Cannot read file '" + strPath +
+           "': " + (isDirectory ? "It is a directory." : platform::SystemErrorText(dwError));
 }
 
 struct DeleteException {
     void operator()(CException* exception) const { exception->Delete(); }
 };
 
-// ERROR_SUCCESS with the whole file.
-DWORD ReadAll(const CString& strPath, std::string& content) {
+// ERROR_SUCCESS with the whole file given to the target in pieces. The length is only a hint: a
+// file may grow or shrink meanwhile, and what the system makes up while it is read has none.
+template <class TTarget>
+DWORD ReadAll(const CString& strPath, TTarget& target) {
     CFile file;
     if (!file.Open(strPath, CFile::modeRead)) return GetLastError();
-    std::vector<char> chunk(kReadChunk);
     try {
+        const std::uint64_t length = file.GetLength();
+        if (length > kLargestFile) return ERROR_MORE_DATA;
+        target.Reserve(static_cast<std::size_t>(length));
+        std::vector<char> chunk(kReadChunk);
+        std::size_t total = 0;
         while (const UINT count = file.Read(chunk.data(), kReadChunk)) {
-            content.append(chunk.data(), count);
-            if (content.size() > kLargestFile) return ERROR_MORE_DATA;
+            total += count;
+            if (total > kLargestFile) return ERROR_MORE_DATA;
+            target.Append(chunk.data(), count);
         }
     } catch (CFileException* exception) {
         const std::unique_ptr<CFileException, DeleteException> caught(exception);
@@ -58,6 +71,20 @@ DWORD ReadAll(const CString& strPath, std::string& content) {
     }
     return ERROR_SUCCESS;
 }
+
+struct TextTarget {
+    void Reserve(std::size_t count) { text.reserve(count); }
+    void Append(const char* bytes, UINT count) { text.append(bytes, count); }
+
+    std::string text;
+};
+
+struct BufferTarget {
+    void Reserve(std::size_t count) { buffer.Reserve(count + kRoomBehind); }
+    void Append(const char* bytes, UINT count) { buffer.Add(bytes, count); }
+
+    CByteBuffer& buffer;
+};
 
 } // namespace
 
@@ -111,22 +138,23 @@ void CZrCbFileSystem::SplitPath(const CString& strPath, CString& strDrive, CStri
 }
 
 int CZrCbFileSystem::GetFileAsText(const CString& strPath, CString& strContent, CString& strErr) {
-    std::string content;
-    if (const DWORD error = ReadAll(strPath, content)) {
+    TextTarget target;
+    if (const DWORD error = ReadAll(strPath, target)) {
         strErr = ReasonText(strPath, error);
         return 0;
     }
-    strContent = CString(content);
+    strContent = CString(std::move(target.text));
     return 1;
 }
 
 int CZrCbFileSystem::GetFileAsBinary(const CString& strPath, CByteBuffer* pTarget,
                                      CString& strErr) {
-    std::string content;
-    if (const DWORD error = ReadAll(strPath, content)) {
+    const DWORD held = pTarget->GetSize();
+    BufferTarget target{*pTarget};
+    if (const DWORD error = ReadAll(strPath, target)) {
+        pTarget->Truncate(held);
         strErr = ReasonText(strPath, error);
         return 0;
     }
-    pTarget->Add(content.data(), static_cast<DWORD>(content.size()));
     return 1;
 }

@@ -41,6 +41,7 @@ public:
     static void Rename(const char* pszOldName, const char* pszNewName);
     // TRUE when pszFileName is an existing file (not a directory).
     static BOOL Exists(const char* pszFileName);
+    static BOOL IsDirectory(const char* pszFileName);
 
 private:
     int m_descriptor = -1;
