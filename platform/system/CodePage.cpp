@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace platform {
 namespace {
@@ -158,7 +159,7 @@ CString AnsiFromUtf8(std::string_view utf8) {
     ansi.reserve(utf8.size());
     for (std::size_t position = 0; position < utf8.size();)
         ansi += ByteFromCodePoint(TakeFromUtf8(utf8, position));
-    return CString(ansi);
+    return CString(std::move(ansi));
 }
 
 std::string Utf8FromAnsi(std::string_view ansi) {

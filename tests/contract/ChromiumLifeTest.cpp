@@ -1,7 +1,10 @@
 // Browsers that come and go: what remains of them.
+#include <cstring>
 #include <filesystem>
 
 #include <gmock/gmock.h>
+
+#include <platform/UrlMoniker.h>
 
 #include "browser/chromium/ChromiumApplication.h"
 #include "contract/ChromiumPages.h"
@@ -48,4 +51,17 @@ TEST_F(Life, OfABrowserThatNeverAnswersEndsWithThePatience) {
     EXPECT_EQ(error, "Chromium does not answer");
     EXPECT_TRUE(browser.IsGoneWithin(std::chrono::seconds(5)));
     EXPECT_THAT(profiles.LeftBehind(), IsEmpty());
+}
+
+TEST_F(Life, OfABrowserThatIsOnlyAskedForItsName) {
+    const ScopedVariable engine("ZRHTTP_CONTROL", "chromium");
+    char name[256] = "";
+    DWORD length = 0;
+    EXPECT_EQ(UrlMkGetSessionOption(URLMON_OPTION_USERAGENT, name, 4, &length, 0), E_OUTOFMEMORY);
+    EXPECT_EQ(UrlMkGetSessionOption(URLMON_OPTION_USERAGENT, name, sizeof name, &length, 0), S_OK);
+    EXPECT_EQ(std::strlen(name), length);
+    Server().Set("/user-agent", Html("page"));
+    EXPECT_EQ(FetchPath("/user-agent"), "page");
+    EXPECT_EQ(Server().Requests("/user-agent").at(0).Header("User-Agent"), name);
+    PumpUntil([] { return RunningChromiums().size() == 1; }, "the end of the one that was asked");
 }

@@ -1,4 +1,4 @@
-// Texts between the terminal (UTF-8) and the library (ANSI code page 1252).
+// Texts between the terminal and the library (ANSI code page 1252).
 #pragma once
 
 #include <string>
@@ -10,9 +10,9 @@ namespace zrhttp {
 
 bool IsUtf8(std::string_view bytes);
 
-// Throws UsageError, naming the argument, when the text is not UTF-8 or has characters outside
-// the ANSI code page.
-CString AnsiFromArgument(std::string_view argument, std::string_view utf8);
+// A text in the terminal's encoding. Throws UsageError, naming the argument, when it is none or
+// has characters outside the ANSI code page.
+CString AnsiFromArgument(std::string_view argument, std::string_view text);
 
 // Bytes of unknown origin as UTF-8: those that are valid UTF-8 stay as they are, all others are
 // taken as ANSI.

@@ -91,9 +91,12 @@ void DeclareResult(CLI::App& command, FetchOptions& options) {
     auto* collect = command.add_flag("--collect", options.collect,
                                      "Print every page that completes, frames first; from an "
                                      "application until --idle-timeout is over");
+    auto* text = command.add_flag("--text", options.text,
+                                  "Reduce the page to its readable text, in the terminal's "
+                                  "encoding");
     command.add_flag("--json", options.json, "Print a JSON object instead of the page");
     output->type_name("FILE");
-    save->type_name("FILE")->excludes(output)->excludes(collect);
+    save->type_name("FILE")->excludes(output)->excludes(collect)->excludes(text);
     collect->excludes(output);
 }
 

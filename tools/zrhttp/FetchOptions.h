@@ -22,6 +22,7 @@ struct FetchOptions {
     std::optional<std::string> contentType;
     std::optional<std::string> output;
     std::optional<std::string> save;
+    bool text = false;
     bool json = false;
     bool visible = false;
     std::vector<std::string> titles;

@@ -5,7 +5,8 @@
 
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/ExitStatus.h"
-#include "zrhttp/OutputFile.h"
+#include "zrhttp/PageText.h"
+#include "zrhttp/Results.h"
 #include "zrhttp/Terminal.h"
 
 namespace zrhttp {
@@ -13,12 +14,20 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json PagesAsJson(const std::vector<CollectedPage>& pages) {
+std::string ReadableText(std::string_view page) {
+    return PageAsText(page, "", false);
+}
+
+Json PagesAsJson(const FetchOptions& options, const std::vector<CollectedPage>& pages) {
     Json list = Json::array();
-    for (const CollectedPage& page : pages)
-        list.push_back({{"url", page.url},
-                        {"length", page.source.size()},
-                        {"source", TextFromBytes(page.source)}});
+    for (const CollectedPage& page : pages) {
+        Json entry{{"url", page.url}, {"length", page.source.size()}};
+        if (options.text)
+            entry["text"] = ReadableText(page.source);
+        else
+            entry["source"] = TextFromBytes(page.source);
+        list.push_back(std::move(entry));
+    }
     return list;
 }
 
@@ -30,15 +39,22 @@ void PrintJson(const FetchOptions& options, const FetchResult& result) {
               {"longest_idle_seconds", result.longestIdle},
               {"elapsed_ms", result.elapsed.count()},
               {"status", result.status}};
-    if (options.collect) json["pages"] = PagesAsJson(result.pages);
+    if (options.collect) json["pages"] = PagesAsJson(options, result.pages);
     // Escaped to ASCII: control characters beyond C0 must not reach a terminal either.
     WriteOutput(json.dump(-1, ' ', true) + "\n");
 }
 
-void PrintPages(const std::vector<CollectedPage>& pages) {
+void HandOutPage(const FetchOptions& options, std::string_view page) {
+    if (options.text)
+        HandOutText(ReadableText(page), options.output);
+    else
+        HandOutBytes(page, options.output);
+}
+
+void PrintPages(const FetchOptions& options, const std::vector<CollectedPage>& pages) {
     for (const CollectedPage& page : pages) {
         PrintNote("==> " + page.url + " <==");
-        WritePage(page.source);
+        HandOutPage(options, page.source);
     }
 }
 
@@ -51,15 +67,10 @@ void PrintFailure(const FetchResult& result) {
 }
 
 void WriteResult(const FetchOptions& options, const FetchResult& result) {
-    if (options.output && *options.output != "-") {
-        OutputFile file(*options.output);
-        file.Write(result.page);
-        file.Commit();
-    } else if (options.collect) {
-        PrintPages(result.pages);
-    } else if (!options.save) {
-        WritePage(result.page);
-    }
+    if (options.collect)
+        PrintPages(options, result.pages);
+    else if (!options.save)
+        HandOutPage(options, result.page);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/Errors.h"
+#include "zrhttp/HttpGrammar.h"
 #include "zrhttp/InputFile.h"
 
 namespace zrhttp {
@@ -13,29 +14,6 @@ namespace {
 constexpr std::string_view kContentType = "Content-Type";
 // The type of a form's fields, which the library sends where the caller names no headers.
 constexpr const char* kFormContentType = "Content-Type: application/x-www-form-urlencoded";
-
-// token of RFC 9110: header names and the two halves of a media type.
-bool IsToken(std::string_view text) {
-    constexpr std::string_view kMarks = "!#$%&'*+-.^_`|~";
-    return !text.empty() && std::all_of(text.begin(), text.end(), [&](char ch) {
-        return (ch >= '0' && ch <= '9') || (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') ||
-               kMarks.find(ch) != std::string_view::npos;
-    });
-}
-
-bool IsControl(char ch) {
-    return static_cast<unsigned char>(ch) < 0x20 || ch == 0x7F;
-}
-
-CString CheckedHeader(const std::string& header) {
-    const auto colon = header.find(':');
-    if (colon == std::string::npos || !IsToken(std::string_view(header).substr(0, colon)))
-        throw UsageError("--header: expected \"Name: value\"");
-    if (std::any_of(header.begin(), header.end(),
-                    [](char ch) { return IsControl(ch) && ch != '\t'; }))
-        throw UsageError("--header: contains a line break or another control character");
-    return AnsiFromArgument("--header", header);
-}
 
 bool NamesContentType(const std::string& header) {
     const CString name(std::string_view(header).substr(0, header.find(':')));
@@ -47,7 +25,7 @@ CString JoinedHeaders(const FetchOptions& options) {
     if (std::none_of(options.headers.begin(), options.headers.end(), NamesContentType))
         joined = kFormContentType;
     for (const std::string& header : options.headers) {
-        const CString line = CheckedHeader(header);
+        const CString line = CheckedHeaderLine("--header", header);
         if (!joined.IsEmpty()) joined += "\r\n";
         joined += line;
     }
@@ -65,8 +43,7 @@ std::optional<std::string> Body(const FetchOptions& options) {
 
 CString CheckedUrl(const std::string& url) {
     if (url.empty()) throw UsageError("URL: is empty");
-    if (std::any_of(url.begin(), url.end(), IsControl))
-        throw UsageError("URL: contains a control character");
+    if (HasControls(url)) throw UsageError("URL: contains a control character");
     return AnsiFromArgument("URL", url);
 }
 

@@ -9,6 +9,7 @@
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/Errors.h"
 #include "zrhttp/Printable.h"
+#include "zrhttp/TerminalEncoding.h"
 
 namespace zrhttp {
 namespace {
@@ -48,9 +49,14 @@ void WriteOutput(std::string_view bytes) {
 
 void WritePage(std::string_view bytes) {
     if (!IsTerminal(STDOUT_FILENO)) return WriteOutput(bytes);
-    std::string text = PrintableText(TextFromBytes(bytes));
+    std::string text = TextFromBytes(bytes);
     if (!text.empty() && text.back() != '\n') text += '\n';
-    WriteOutput(text);
+    WriteText(text);
+}
+
+void WriteText(std::string_view utf8) {
+    WriteOutput(
+        TerminalFromUtf8(IsTerminal(STDOUT_FILENO) ? PrintableText(utf8) : std::string(utf8)));
 }
 
 Progress::Progress()

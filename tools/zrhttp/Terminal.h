@@ -20,6 +20,9 @@ void WriteOutput(std::string_view bytes);
 // Writes a page to standard output: exactly its bytes or, on a terminal, as text with control
 // characters made visible.
 void WritePage(std::string_view bytes);
+// Writes a text to standard output in the terminal's encoding; on a terminal, control characters
+// are made visible.
+void WriteText(std::string_view utf8);
 
 // A line on standard error that is kept up to date while a page loads; on a terminal only.
 class Progress {

@@ -21,14 +21,29 @@ void ReserveStandardStreams() {
             static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
 }
 
+// Only the first one, and no value in it: what comes behind may be confidential.
+std::string UnexpectedArgument(const CLI::App& application) {
+    const std::vector<std::string> unexpected = application.remaining(true);
+    const std::string first = unexpected.empty() ? "" : unexpected.front();
+    return "unexpected argument '" + first.substr(0, first.find('=')) + "'";
+}
+
 int Run(int argumentCount, char** arguments) {
-    CLI::App application("Fetches pages as the e-banking client does.", "zrhttp");
+    CLI::App application(
+        "Fetches pages as the e-banking client does, composes what it sends and reads replies.",
+        "zrhttp");
     application.require_subcommand(0, 1);
     application.set_version_flag("--version", "zrhttp " ZRHTTP_VERSION);
     application.footer("Exit status: 0 success, 20 to 29 a page that failed (the result code), "
                        "1 other failures, 2 wrong usage.");
     int exitStatus = zrhttp::kFailure;
     zrhttp::AddFetchCommand(application, exitStatus);
+    zrhttp::AddFormCommand(application, exitStatus);
+    zrhttp::AddHeadersCommand(application, exitStatus);
+    zrhttp::AddReplyCommand(application, exitStatus);
+    zrhttp::AddTextCommand(application, exitStatus);
+    zrhttp::AddEncodingCommands(application, exitStatus);
+    zrhttp::AddUserAgentCommand(application, exitStatus);
     zrhttp::AddDoctorCommand(application, exitStatus);
     zrhttp::AddVersionCommand(application, exitStatus);
     try {
@@ -36,6 +51,8 @@ int Run(int argumentCount, char** arguments) {
         if (application.get_subcommands().empty()) throw zrhttp::UsageError("no subcommand given");
     } catch (const CLI::Success& help) {
         return application.exit(help);
+    } catch (const CLI::ExtrasError&) {
+        throw zrhttp::UsageError(UnexpectedArgument(application) + "; see zrhttp --help");
     } catch (const CLI::ParseError& error) {
         throw zrhttp::UsageError(std::string(error.what()) + "; see zrhttp --help");
     }

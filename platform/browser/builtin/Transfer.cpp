@@ -4,13 +4,13 @@
 
 #include "browser/builtin/FailureText.h"
 #include "browser/builtin/Limits.h"
+#include "browser/builtin/UserAgent.h"
 #include "browser/common/PageType.h"
 #include "browser/common/PageUrl.h"
 
 namespace platform {
 namespace {
 
-constexpr const char* kUserAgent = "Mozilla/5.0 (compatible; ZrHttpBase3 builtin)";
 constexpr long kReceiveBufferBytes = 64 * 1024;
 
 bool IsRedirect(long status) {
@@ -76,7 +76,7 @@ void Transfer::SetUpSecurity() {
 void Transfer::SetUpRequest() {
     CURL* easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_URL, m_request.url.c_str());
-    curl_easy_setopt(easy, CURLOPT_USERAGENT, kUserAgent);
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, kBuiltinUserAgent);
     curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // all that the library can undo
     m_headerList.reset();
     for (const HeaderField& field : m_request.headers)

@@ -112,6 +112,20 @@ bool ChromiumApplication::OpenPageNow(const std::shared_ptr<ChromiumPage>& page)
     return WaitFor([&] { return page->IsReady(); });
 }
 
+std::string ChromiumApplication::UserAgent() {
+    std::string userAgent;
+    bool isAnswered = false;
+    Connection().Send(
+        {}, "Browser.getVersion", Json::object(),
+        [&](DevToolsReply& reply) {
+            userAgent = TextOf(reply.result, "userAgent");
+            isAnswered = true;
+        },
+        m_patience);
+    WaitFor([&] { return isAnswered; });
+    return userAgent;
+}
+
 void ChromiumApplication::Adopt(const std::shared_ptr<ChromiumPage>& page,
                                 const std::string& target, const std::string& session) {
     m_targets[target] = page;

@@ -43,6 +43,8 @@ public:
     // ends that page. Its link to the opener is lost.
     void Divert(const std::string& target, const std::string& session, CComPtr<IWebBrowser2> to);
     void ClosePage(const std::string& target);
+    // What it calls itself in its requests. Waits for its answer; empty when there is none.
+    std::string UserAgent();
     // The page stays open without a browser object, until its user closes it or this process ends.
     void KeepPage(const std::string& target, const std::string& session);
     // The window that has appeared last, or one that is only remembered. Never null.

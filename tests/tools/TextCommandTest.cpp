@@ -1,0 +1,158 @@
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "support/RunTool.h"
+#include "support/ScopedVariable.h"
+#include "support/TemporaryHome.h"
+#include "support/TestServer.h"
+
+namespace {
+
+using test_support::Html;
+using test_support::RunTool;
+using test_support::ScopedVariable;
+using test_support::TemporaryHome;
+using test_support::TestServer;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr std::string_view kUtf8 = "Gr\xC3\xBC\xC3\x9F";
+constexpr std::string_view kLatin1 = "Gr\xFC\xDF";
+
+std::string Page(std::string_view head, std::string_view body) {
+    return "<html><head><title>T</title>" + std::string(head) + "</head><body>" +
+           std::string(body) + "</body></html>";
+}
+
+std::string Utf16(std::string_view ascii, bool isBigEndian) {
+    std::string text = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char ch : ascii)
+        text += isBigEndian ? std::string{'\0', ch} : std::string{ch, '\0'};
+    return text;
+}
+
+TEST(TextCommand, UmlautsComeOutRightFromPagesOfAnyCharacterSet) {
+    const std::string late(1024, ' ');
+    const std::pair<std::string, std::string_view> pages[] = {
+        {Page("", kLatin1), kUtf8},
+        {Page("", kUtf8), kUtf8},
+        {Page("<meta charset=iso-8859-1>", kLatin1), kUtf8},
+        {Page("<META content='text/html; charset = \"UTF-8\"' http-equiv=Content-Type>", kUtf8),
+         kUtf8},
+        {Page("<!-- <meta charset=koi8-r> --><a title='><meta charset=koi8-r>'>"
+              "<meta/charset = 'L9' >",
+              "\xA4"),
+         "\xE2\x82\xAC"},
+        {Page("<meta charset=klingon><meta charset=windows-1251>", "\xC0"), "\xD0\x90"},
+        {Page("<meta charset=utf-16>", kUtf8), kUtf8},
+        {Page("<meta content='charset=koi8-r'>" + late + "<meta charset=koi8-r>", kLatin1), kUtf8},
+        {Page("<meta charset=latin1>", kUtf8), "Gr\xC3\x83\xC2\xBC\xC3\x83\xC5\xB8"},
+        {"\xEF\xBB\xBF" + Page("<meta charset=latin1>", kUtf8), kUtf8},
+        {Utf16("Gr\xFC\xDF", false), kUtf8},
+        {Utf16("Gr\xFC\xDF&auml;", true), "Gr\xC3\xBC\xC3\x9F\xC3\xA4"},
+        {Page("<meta charset=utf-8>", "a\xFFz"), "a\xEF\xBF\xBDz"},
+        {"<meta charset", ""},
+    };
+    for (const auto& [page, text] : pages) {
+        const auto run = RunTool({"text"}, page);
+        EXPECT_EQ(run.output, std::string(text) + "\n") << page;
+        EXPECT_EQ(run.error, "");
+    }
+    EXPECT_EQ(
+        RunTool({"text", "--charset", " Latin1 "}, Page("<meta charset=utf-8>", kLatin1)).output,
+        std::string(kUtf8) + "\n");
+}
+
+TEST(TextCommand, KeepsCharactersOutsideTheCodePage) {
+    const std::string body = "\xC5\x81\xC3\xB3"
+                             "d\xC5\xBA &eacute;&#233; \xF0\x9F\x98\x80";
+    EXPECT_EQ(RunTool({"text"}, body).output, "\xC5\x81\xC3\xB3"
+                                              "d\xC5\xBA \xC3\xA9\xC3\xA9 \xF0\x9F\x98\x80\n");
+    // Not to be taken for one of them: controls in the page, as bytes and as references.
+    EXPECT_EQ(RunTool({"text"}, "a\x02"
+                                "0141\x03z &#2;zz")
+                  .output,
+              "a0141\x03z zz\n");
+}
+
+TEST(TextCommand, WritesInTheEncodingOfTheLocale) {
+    const std::string page = std::string(kUtf8) + " \xE2\x82\xAC";
+    {
+        const ScopedVariable locale("LC_ALL", "de_DE.ISO-8859-1");
+        EXPECT_EQ(RunTool({"text"}, page).output, std::string(kLatin1) + " ?\n");
+        EXPECT_EQ(RunTool({"encode", "\xFC"}).output, "%FC\n");
+    }
+    for (const char* name : {"C", "POSIX", "C.UTF-8", "xx_XX.none"}) {
+        const ScopedVariable locale("LC_ALL", name);
+        EXPECT_EQ(RunTool({"text"}, page).output, page + "\n") << name;
+    }
+}
+
+TEST(TextCommand, ReadsAndWritesFiles) {
+    const TemporaryHome home;
+    home.WriteFile("page", "<h1>A</h1>\n\n\n<p>B</p>");
+    EXPECT_EQ(RunTool({"text", home.Path("page")}).output, "A\n\nB\n");
+    EXPECT_EQ(
+        RunTool({"text", home.Path("page"), "--compact", "--output", home.Path("out")}).output, "");
+    EXPECT_EQ(home.ReadFile("out"), "A\nB\n");
+
+    const auto missing = RunTool({"text", home.Path("none")});
+    EXPECT_EQ(missing.exitStatus, 2);
+    EXPECT_THAT(missing.error, HasSubstr("/none': No such file"));
+    const auto charset = RunTool({"text", "--charset", "klingon"}, "x");
+    EXPECT_EQ(charset.exitStatus, 2);
+    EXPECT_THAT(charset.error, HasSubstr("unknown character set 'klingon'"));
+    EXPECT_EQ(RunTool({"text", "--output", home.Path("no/out")}, "x").exitStatus, 1);
+}
+
+TEST(TextCommand, FetchReducesPagesTheSameWay) {
+    TestServer server;
+    server.Set("/", Html(Page("<script>x</script>", "<p>" + std::string(kLatin1) + "\033[1m")));
+    server.Set("/frames", Html("<frameset><frame src=/></frameset>"));
+    const std::string text = std::string(kUtf8) + "\033[1m\n";
+    const TemporaryHome home;
+    EXPECT_EQ(RunTool({"fetch", server.Url("/"), "--text"}).output, text);
+    EXPECT_EQ(
+        RunTool({"fetch", server.Url("/"), "--text", "--output", home.Path("out")}).exitStatus, 0);
+    EXPECT_EQ(home.ReadFile("out"), text);
+    const auto json = nlohmann::json::parse(
+        RunTool({"fetch", server.Url("/frames"), "--text", "--collect", "--json"}).output);
+    EXPECT_EQ(json["pages"][0]["text"], text);
+    EXPECT_THAT(test_support::RunToolOnTerminal({"fetch", server.Url("/"), "--text"}).output,
+                AllOf(HasSubstr(std::string(kUtf8) + "^[[1m"), Not(HasSubstr("\033[1m"))));
+    EXPECT_EQ(RunTool({"fetch", server.Url("/"), "--text", "--save", "f"}).exitStatus, 2);
+}
+
+TEST(ReplyCommand, PrintsValuesOfTheHiddenComment) {
+    const std::string comment = "<!-- BRIGHTRELAY STATUS=0 MSG=\"Alles gut\" X=\"\" LAST=1-->";
+    const std::string page = "<html>\r\n" + comment + "</html>";
+    EXPECT_EQ(RunTool({"reply"}, page).output, comment + "\n");
+    EXPECT_EQ(RunTool({"reply", "--value", "MSG", "--quoted"}, page).output, "Alles gut\n");
+    EXPECT_EQ(RunTool({"reply", "--value", "MSG"}, page).output, "\"Alles\n");
+    const auto empty = RunTool({"reply", "--value", "X", "--quoted"}, page);
+    EXPECT_EQ(empty.exitStatus, 0);
+    EXPECT_EQ(empty.output, "\n");
+    for (const char* name : {"LAST", "NONE"}) {
+        const auto run = RunTool({"reply", "--value", name}, page);
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_EQ(run.output, "");
+        EXPECT_THAT(run.error, HasSubstr("no plain value '" + std::string(name) + "'"));
+    }
+}
+
+TEST(ReplyCommand, TheExitStatusTellsTheStatus) {
+    const auto okay = RunTool({"reply", "--status"}, "<!--BRIGHTRELAY STATUS=0 -->");
+    EXPECT_EQ(okay.exitStatus, 0);
+    EXPECT_EQ(okay.output, "0\n");
+    const auto failed = RunTool({"reply", "--status"}, "<!--BRIGHTRELAY STATUS=00 -->");
+    EXPECT_EQ(failed.exitStatus, 1);
+    EXPECT_EQ(failed.output, "00\n");
+    const auto none = RunTool({"reply"}, "<html>");
+    EXPECT_EQ(none.exitStatus, 1);
+    EXPECT_THAT(none.error, HasSubstr("Cannot find tag <!-- BRIGHTRELAY "));
+    EXPECT_EQ(RunTool({"reply", "--quoted"}, "").exitStatus, 2);
+    EXPECT_EQ(RunTool({"reply", "--value", "A", "--status"}, "").exitStatus, 2);
+}
+
+} // namespace
