@@ -205,11 +205,5 @@ int main(int argc, char** argv) {
         std::fputs("usage: browser_bench [--quick]\n", stderr);
         return 2;
     }
-    try {
-        Run(rounds);
-        return 0;
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "browser_bench: %s\n", failure.what());
-        return 1;
-    }
+    return ExitStatusOf("browser_bench", [&] { Run(rounds); });
 }

@@ -1,7 +1,9 @@
 #include "Measurement.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <ctime>
+#include <exception>
 
 namespace {
 
@@ -19,6 +21,7 @@ double Quantile(std::vector<double> samples, double fraction) {
 }
 
 void Measurement::Sample() {
+    if (m_prepare) m_prepare();
     const double wall = Milliseconds(CLOCK_MONOTONIC);
     const double processor = Milliseconds(CLOCK_PROCESS_CPUTIME_ID);
     m_run();
@@ -39,4 +42,14 @@ void RunInterleaved(std::vector<Measurement>& measurements, int rounds) {
     for (std::size_t round = 0; round < static_cast<std::size_t>(rounds); ++round)
         for (std::size_t i = 0; i < count; ++i)
             measurements[(round + i) % count].Sample();
+}
+
+int ExitStatusOf(const char* bench, const std::function<void()>& run) {
+    try {
+        run();
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s: %s\n", bench, failure.what());
+        return 1;
+    }
 }

@@ -10,8 +10,9 @@ double Quantile(std::vector<double> samples, double fraction);
 
 class Measurement {
 public:
-    Measurement(std::string name, std::function<void()> run)
-        : m_name(std::move(name)), m_run(std::move(run)) {}
+    // prepare: what happens before each run, outside its time.
+    Measurement(std::string name, std::function<void()> run, std::function<void()> prepare = {})
+        : m_name(std::move(name)), m_run(std::move(run)), m_prepare(std::move(prepare)) {}
 
     void Sample();
     const std::string& Name() const { return m_name; }
@@ -23,6 +24,7 @@ public:
 private:
     std::string m_name;
     std::function<void()> m_run;
+    std::function<void()> m_prepare;
     std::vector<double> m_wall;
     double m_processor = 0;
 };
@@ -30,3 +32,6 @@ private:
 // Samples all of them in turn, each round beginning with another one, so that none always runs
 // behind the same neighbour.
 void RunInterleaved(std::vector<Measurement>& measurements, int rounds);
+
+// Runs a whole bench. The exit status: 0, or 1 after a failure, which it prints.
+int ExitStatusOf(const char* bench, const std::function<void()>& run);

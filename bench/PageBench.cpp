@@ -101,11 +101,5 @@ int main(int argc, char** argv) {
         return 2;
     }
     curl_global_init(CURL_GLOBAL_DEFAULT);
-    try {
-        Run(rounds);
-        return 0;
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "page_bench: %s\n", failure.what());
-        return 1;
-    }
+    return ExitStatusOf("page_bench", [&] { Run(rounds); });
 }
