@@ -152,6 +152,7 @@ void ConvertBesideOthers(const Sizes& sizes, const std::string& page,
                          const std::vector<Converter>& converters) {
     const TemporaryDirectory directory;
     const std::string file = directory.Write("page.html", page);
+    ::setenv("HOME", directory.Path().c_str(), 1); // w3m makes a directory there
     CString text;
     std::vector<Measurement> measurements = {Conversion("HtmlPageMakePureText", page, text)};
     for (const Converter& converter : converters)
