@@ -31,6 +31,15 @@ protected:
         m_nCopyGuard = 0;
         return m_pImpl ? 1 : 0;
     }
+    // Takes a copy of another facade's implementation object, if it has one.
+    void CreateCopy(const CZrHbFacade& other) {
+        if (other.m_pImpl) CreateImpl(std::make_unique<TImpl>(*other.m_pImpl));
+    }
+    void AssignCopy(const CZrHbFacade& other) {
+        Assign([&] {
+            if (m_pImpl && other.m_pImpl) *m_pImpl = *other.m_pImpl;
+        });
+    }
     TImpl* GetImpl() const { return m_pImpl; }
     // 1, or 0 when there was none.
     int DeleteImpl() {

@@ -11,13 +11,11 @@ CZrHbDataTransmit::CZrHbDataTransmit() {
 CZrHbDataTransmit::CZrHbDataTransmit(const unsigned long&) : CZrHbDataTransmit() {}
 
 CZrHbDataTransmit::CZrHbDataTransmit(const CZrHbDataTransmit& other) {
-    if (other.GetImpl()) CreateImpl(std::make_unique<CZrHbDataTransmit_Impl>(*other.GetImpl()));
+    CreateCopy(other);
 }
 
 CZrHbDataTransmit& CZrHbDataTransmit::operator=(const CZrHbDataTransmit& other) {
-    Assign([&] {
-        if (GetImpl() && other.GetImpl()) *GetImpl() = *other.GetImpl();
-    });
+    AssignCopy(other);
     return *this;
 }
 

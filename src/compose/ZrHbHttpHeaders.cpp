@@ -49,13 +49,11 @@ CZrHbHttpHeaders::CZrHbHttpHeaders() {
 }
 
 CZrHbHttpHeaders::CZrHbHttpHeaders(const CZrHbHttpHeaders& other) {
-    if (other.GetImpl()) CreateImpl(std::make_unique<CZrHbHttpHeaders_Impl>(*other.GetImpl()));
+    CreateCopy(other);
 }
 
 CZrHbHttpHeaders& CZrHbHttpHeaders::operator=(const CZrHbHttpHeaders& other) {
-    Assign([&] {
-        if (GetImpl() && other.GetImpl()) *GetImpl() = *other.GetImpl();
-    });
+    AssignCopy(other);
     return *this;
 }
 

@@ -40,13 +40,11 @@ CZrHbHttpString::CZrHbHttpString() {
 }
 
 CZrHbHttpString::CZrHbHttpString(const CZrHbHttpString& other) {
-    if (other.GetImpl()) CreateImpl(std::make_unique<CZrHbHttpString_Impl>(*other.GetImpl()));
+    CreateCopy(other);
 }
 
 CZrHbHttpString& CZrHbHttpString::operator=(const CZrHbHttpString& other) {
-    Assign([&] {
-        if (GetImpl() && other.GetImpl()) *GetImpl() = *other.GetImpl();
-    });
+    AssignCopy(other);
     return *this;
 }
 

@@ -38,7 +38,7 @@ CZrHbUHttpGet::CZrHbUHttpGet(EZrAbAppGroup eGroup) {
 }
 
 CZrHbUHttpGet::CZrHbUHttpGet(const CZrHbUHttpGet& other) {
-    if (other.GetImpl()) CreateImpl(std::make_unique<CZrHbUHttpGet_Impl>(*other.GetImpl()));
+    CreateCopy(other);
 }
 
 CZrHbUHttpGet& CZrHbUHttpGet::operator=(const CZrHbUHttpGet& other) {

@@ -101,13 +101,11 @@ CZrHbBrightrelayReply::CZrHbBrightrelayReply() {
 }
 
 CZrHbBrightrelayReply::CZrHbBrightrelayReply(const CZrHbBrightrelayReply& other) {
-    if (other.GetImpl()) CreateImpl(std::make_unique<CZrHbBrightrelayReply_Impl>(*other.GetImpl()));
+    CreateCopy(other);
 }
 
 CZrHbBrightrelayReply& CZrHbBrightrelayReply::operator=(const CZrHbBrightrelayReply& other) {
-    Assign([&] {
-        if (GetImpl() && other.GetImpl()) *GetImpl() = *other.GetImpl();
-    });
+    AssignCopy(other);
     return *this;
 }
 
