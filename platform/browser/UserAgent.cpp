@@ -49,7 +49,9 @@ private:
 };
 
 std::string ControlUserAgent() {
-    if (GetSetting("ZRHTTP_CONTROL").value != "chromium") return kBuiltinUserAgent;
+    const CString engine = GetSetting("ZRHTTP_CONTROL").value;
+    if (engine == "builtin") return kBuiltinUserAgent;
+    if (engine != "chromium") return {}; // such a control cannot be made either
     return ChromiumUserAgents::Get().Of(std::string(ChromiumFileName().View()));
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include <platform/UrlMoniker.h>
@@ -72,9 +73,7 @@ int CZrHbHttpHeaders::AddHeaderFieldText(const CString& strName, const CString& 
 
 int CZrHbHttpHeaders::AddHeaderFieldNumeric(const CString& strName, unsigned long nValue,
                                             EZrHbAddHandling eHandling) {
-    CString strValue;
-    strValue.Format("%u", static_cast<DWORD>(nValue));
-    return AddHeaderFieldText(strName, strValue, eHandling);
+    return AddHeaderFieldText(strName, CString(std::to_string(nValue)), eHandling);
 }
 
 void CZrHbHttpHeaders::SetHeaderOrder(const CStringArray& order) {
