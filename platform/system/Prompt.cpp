@@ -3,6 +3,7 @@
 #include <iostream>
 #include <memory>
 
+#include <termios.h>
 #include <unistd.h>
 
 #include <platform/Diagnostics.h>
@@ -37,6 +38,27 @@ CString FirstLine(const CString& strText) {
     return end < 0 ? strText : strText.Left(end);
 }
 
+// While it lives, the terminal shows nothing of what is typed, and the keys that would end the
+// program, and leave the terminal so, are characters.
+class HiddenTyping {
+public:
+    HiddenTyping() {
+        m_isSet = ::tcgetattr(STDIN_FILENO, &m_before) == 0;
+        termios hidden = m_before;
+        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
+        if (m_isSet) ::tcsetattr(STDIN_FILENO, TCSADRAIN, &hidden);
+    }
+    ~HiddenTyping() {
+        if (m_isSet) ::tcsetattr(STDIN_FILENO, TCSADRAIN, &m_before);
+    }
+    HiddenTyping(const HiddenTyping&) = delete;
+    HiddenTyping& operator=(const HiddenTyping&) = delete;
+
+private:
+    termios m_before{};
+    bool m_isSet = false;
+};
+
 class UserPrompt : public Prompt {
 public:
     int Ask(const CString& strText, UINT nType) override {
@@ -47,6 +69,17 @@ public:
                          FirstLine(strText).GetString());
         ReportDiagnostic(Severity::trace, __FILE__, __LINE__, strReport);
         return button;
+    }
+
+    bool AskCredentials(const CString& strText, CString& strName, CString& strPassword) override {
+        if (!IsSomebodyThere()) {
+            ReportDiagnostic(Severity::trace, __FILE__, __LINE__,
+                             "Nobody to ask; gave no name and password to: " + FirstLine(strText));
+            return false;
+        }
+        if (!AskNameOnTerminal(std::cin, std::cerr, strText, strName)) return false;
+        const HiddenTyping hidden;
+        return AskPasswordOnTerminal(std::cin, std::cerr, strPassword);
     }
 };
 

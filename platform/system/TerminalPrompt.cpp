@@ -1,5 +1,6 @@
 #include "system/TerminalPrompt.h"
 
+#include <algorithm>
 #include <cctype>
 #include <span>
 #include <string>
@@ -57,6 +58,19 @@ int ButtonNamedBy(const std::string& line, UINT nType) {
     return 0;
 }
 
+// A line of text as it was typed. Control characters stand for keys that the terminal would take.
+bool AskLine(std::istream& input, std::ostream& output, const char* pszLabel, CString& strLine) {
+    output << pszLabel << std::flush;
+    std::string line;
+    if (!std::getline(input, line)) return false;
+    if (line.ends_with('\r')) line.pop_back();
+    if (std::any_of(line.begin(), line.end(),
+                    [](unsigned char ch) { return ch < 0x20 || ch == 0x7F; }))
+        return false;
+    strLine = AnsiFromUtf8(line);
+    return true;
+}
+
 } // namespace
 
 int HarmlessButton(UINT nType) {
@@ -82,6 +96,18 @@ int AskOnTerminal(std::istream& input, std::ostream& output, const CString& strT
         if (const int id = ButtonNamedBy(line, nType); id != 0) return id;
     }
     return HarmlessButton(nType);
+}
+
+bool AskNameOnTerminal(std::istream& input, std::ostream& output, const CString& strText,
+                       CString& strName) {
+    output << Visible(strText) << '\n';
+    return AskLine(input, output, "Name: ", strName) && !strName.IsEmpty();
+}
+
+bool AskPasswordOnTerminal(std::istream& input, std::ostream& output, CString& strPassword) {
+    const bool isGiven = AskLine(input, output, "Password: ", strPassword);
+    output << '\n'; // that of the user has not been shown
+    return isGiven;
 }
 
 } // namespace platform

@@ -16,4 +16,10 @@ int HarmlessButton(UINT nType);
 // end of input and a third line without a button.
 int AskOnTerminal(std::istream& input, std::ostream& output, const CString& strText, UINT nType);
 
+// Each reads a line in UTF-8, the name under the text. False when the name is empty, the line holds
+// a control character, or the input ends. Whether what is typed shows is the caller's affair.
+bool AskNameOnTerminal(std::istream& input, std::ostream& output, const CString& strText,
+                       CString& strName);
+bool AskPasswordOnTerminal(std::istream& input, std::ostream& output, CString& strPassword);
+
 } // namespace platform

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <platform/Clock.h>
+#include <platform/Thread.h>
 
 #include "window/WindowTable.h"
 
@@ -120,6 +121,23 @@ bool MessageQueue::WaitForNews(DWORD milliseconds) {
         Current<Clock>().WaitFor(lock, m_changed, milliseconds, [this] { return m_hasNews; });
     m_hasNews = false;
     return hasNews;
+}
+
+bool MessageQueue::WaitUntil(const std::function<bool()>& isOver, DWORD milliseconds) {
+    const DWORD start = GetTickCount();
+    const auto hasCause = [&] { return isOver() || !m_sent.empty(); };
+    for (;;) {
+        HandleSentMessages();
+        const DWORD elapsed = GetTickCount() - start;
+        std::unique_lock lock(m_mutex);
+        if (isOver()) return true;
+        if (milliseconds == INFINITE)
+            m_changed.wait(lock, hasCause);
+        else if (elapsed < milliseconds)
+            Current<Clock>().WaitFor(lock, m_changed, milliseconds - elapsed, hasCause);
+        else
+            return false;
+    }
 }
 
 void MessageQueue::Forget(HWND hWnd) {

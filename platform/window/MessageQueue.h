@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -28,6 +29,9 @@ public:
     bool Take(MSG& message, HWND hWnd, UINT filterMin, UINT filterMax, bool remove);
     bool WaitForInput(DWORD milliseconds);
     bool WaitForNews(DWORD milliseconds);
+    // Waits until isOver() holds, which is asked whenever the queue changes or has news, and
+    // handles the messages sent meanwhile. False when the time is over; INFINITE has no end.
+    bool WaitUntil(const std::function<bool()>& isOver, DWORD milliseconds);
     // Drops what a destroyed window has not received yet.
     void Forget(HWND hWnd);
     // Refuses further messages and lets waiting senders go.

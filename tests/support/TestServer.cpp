@@ -160,7 +160,8 @@ private:
         const std::lock_guard lock(m_mutex);
         m_requests.emplace_back(path, request);
         const auto found = m_answers.find(path);
-        if (found != m_answers.end()) return found->second;
+        if (found != m_answers.end())
+            return found->second.choose ? found->second.choose(request) : found->second;
         if (path == "/echo") return Bytes("text/plain", EchoText(request));
         Answer answer = Html("<p>no such page</p>");
         answer.status = 404;

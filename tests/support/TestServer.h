@@ -2,6 +2,7 @@
 // two origins.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -16,6 +17,8 @@ namespace test_support {
 
 using HeaderList = std::vector<std::pair<std::string, std::string>>;
 
+struct ReceivedRequest;
+
 struct Answer {
     int status = 200;
     std::string type = "text/html"; // empty: no Content-Type
@@ -26,6 +29,8 @@ struct Answer {
     // pieceGate, where each but the first waits, under a Content-Length.
     std::vector<std::string> pieces;
     std::shared_ptr<Gate> pieceGate;
+    // When set, it makes the answer, and nothing else here counts. Any thread.
+    std::function<Answer(const ReceivedRequest&)> choose;
 };
 
 Answer Html(std::string body);

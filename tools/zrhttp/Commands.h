@@ -16,6 +16,9 @@ void AddTextCommand(CLI::App& application, int& exitStatus);
 // encode, to-utf8 and from-utf8.
 void AddEncodingCommands(CLI::App& application, int& exitStatus);
 void AddUserAgentCommand(CLI::App& application, int& exitStatus);
+void AddDownloadCommand(CLI::App& application, int& exitStatus);
+void AddReasonsCommand(CLI::App& application, int& exitStatus);
+void AddAutodialCommand(CLI::App& application, int& exitStatus);
 void AddDoctorCommand(CLI::App& application, int& exitStatus);
 void AddVersionCommand(CLI::App& application, int& exitStatus);
 

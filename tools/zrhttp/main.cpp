@@ -38,12 +38,15 @@ int Run(int argumentCount, char** arguments) {
                        "1 other failures, 2 wrong usage.");
     int exitStatus = zrhttp::kFailure;
     zrhttp::AddFetchCommand(application, exitStatus);
+    zrhttp::AddDownloadCommand(application, exitStatus);
     zrhttp::AddFormCommand(application, exitStatus);
     zrhttp::AddHeadersCommand(application, exitStatus);
     zrhttp::AddReplyCommand(application, exitStatus);
     zrhttp::AddTextCommand(application, exitStatus);
     zrhttp::AddEncodingCommands(application, exitStatus);
     zrhttp::AddUserAgentCommand(application, exitStatus);
+    zrhttp::AddReasonsCommand(application, exitStatus);
+    zrhttp::AddAutodialCommand(application, exitStatus);
     zrhttp::AddDoctorCommand(application, exitStatus);
     zrhttp::AddVersionCommand(application, exitStatus);
     try {

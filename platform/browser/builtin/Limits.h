@@ -6,8 +6,6 @@
 
 namespace platform {
 
-// As many as common browsers follow; a loop ends here.
-constexpr int kMaxRedirects = 20;
 // Pages that send the reader on without a pause. Log-in chains need a handful; a page that
 // refreshes to itself for ever would keep the caller waiting for ever.
 constexpr int kMaxImmediateRefreshes = 10;
@@ -17,15 +15,8 @@ constexpr int kMaxRefreshSeconds = 24 * 60 * 60;
 constexpr std::size_t kMaxFrames = 128;
 // A frame within a frame within ...: frames of dynamic pages can nest without end.
 constexpr int kMaxFrameDepth = 8;
-// All header lines of one reply, redirects not added up. Servers themselves accept far less.
-constexpr std::size_t kMaxHeaderBytes = 256 * 1024;
 // The page as kept in memory, after decompression: a few KB can unpack to gigabytes.
 constexpr std::size_t kMaxPageBytes = std::size_t{256} * 1024 * 1024;
-// The body of a redirect is not shown; it is read only to keep the connection.
-constexpr std::size_t kMaxRedirectBodyBytes = 64 * 1024;
-constexpr std::chrono::milliseconds kRedirectBodyPatience{100};
-// Until a connection stands, TLS included. A user gives up earlier.
-constexpr std::chrono::seconds kConnectTimeout{60};
 // Connections to one host at a time, as browsers have it: frames load side by side without
 // flooding a server.
 constexpr long kMaxConnectionsPerHost = 6;

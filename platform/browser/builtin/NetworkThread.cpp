@@ -20,11 +20,6 @@ void BlockSignals() {
     pthread_sigmask(SIG_SETMASK, &all, nullptr);
 }
 
-std::string SystemCertificateDirectory() {
-    const curl_version_info_data* info = curl_version_info(CURLVERSION_NOW);
-    return info->capath ? info->capath : "/etc/ssl/certs";
-}
-
 } // namespace
 
 // Those of the calling thread's browsers. They end with their owner's thread at the latest: at the
@@ -55,7 +50,7 @@ NetworkThread::NetworkThread(std::shared_ptr<Inbox> inbox, std::string certifica
     curl_share_setopt(m_share.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
     curl_share_setopt(m_share.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
     curl_multi_setopt(m_multi.get(), CURLMOPT_MAX_HOST_CONNECTIONS, kMaxConnectionsPerHost);
-    m_settings = {m_share.get(), std::move(certificateFile), SystemCertificateDirectory()};
+    m_settings = {m_share.get(), std::move(certificateFile)};
     m_thread = std::thread([this] { Run(); });
     RunningOnes::OfThisThread().Add(this);
 }

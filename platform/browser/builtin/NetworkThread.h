@@ -45,13 +45,6 @@ private:
     struct EndCommand {};
     using Command = std::variant<FetchRequest, CancelCommand, TimerCommand, EndCommand>;
 
-    struct MultiCleanup {
-        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
-    };
-    struct ShareCleanup {
-        void operator()(CURLSH* share) const { curl_share_cleanup(share); }
-    };
-
     class RunningOnes;
 
     void End();
@@ -74,8 +67,8 @@ private:
     std::vector<Command> m_commands;
 
     // Declared in this order: easy handles go first, then the share, then the multi handle.
-    std::unique_ptr<CURLM, MultiCleanup> m_multi;
-    std::unique_ptr<CURLSH, ShareCleanup> m_share;
+    CurlMulti m_multi;
+    CurlShare m_share;
     TransferSettings m_settings;
     std::vector<CurlEasy> m_idleHandles;
     std::map<FetchId, std::unique_ptr<Transfer>> m_transfers;

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
-#include "browser/builtin/FailureText.h"
 #include "browser/builtin/Limits.h"
 #include "browser/builtin/UserAgent.h"
 #include "browser/common/PageType.h"
 #include "browser/common/PageUrl.h"
+#include "internet/FailureText.h"
+#include "internet/TransferLimits.h"
+#include "internet/TrustedCertificates.h"
 
 namespace platform {
 namespace {
@@ -18,12 +20,6 @@ bool IsRedirect(long status) {
 }
 
 } // namespace
-
-void ResetEasy(CURL* easy) {
-    // The library's own reset forgets the list of cookie files without freeing it.
-    curl_easy_setopt(easy, CURLOPT_COOKIEFILE, nullptr);
-    curl_easy_reset(easy);
-}
 
 Transfer::Transfer(FetchRequest request, CurlEasy easy, const TransferSettings& settings,
                    std::vector<NetworkEvent>& events)
@@ -61,11 +57,7 @@ void Transfer::SetUp() {
 void Transfer::SetUpSecurity() {
     CURL* easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
-    if (!m_settings.certificateFile.empty()) {
-        // The system's directory keeps its certificates trusted beside those of the file.
-        curl_easy_setopt(easy, CURLOPT_CAINFO, m_settings.certificateFile.c_str());
-        curl_easy_setopt(easy, CURLOPT_CAPATH, m_settings.certificateDirectory.c_str());
-    }
+    TrustCertificates(easy, m_settings.certificateFile);
     const Credentials& credentials = m_request.credentials;
     if (credentials.user.empty() && credentials.password.empty()) return;
     if (OriginOf(m_request.url) != credentials.origin) return;
@@ -81,24 +73,18 @@ void Transfer::SetUpRequest() {
     m_headerList.reset();
     for (const HeaderField& field : m_request.headers)
         // The library takes "Name:" for "leave it out" and "Name;" for an empty field.
-        AddHeader(field.value.empty() ? field.name + ";" : field.name + ": " + field.value);
+        AppendTo(m_headerList,
+                 field.value.empty() ? field.name + ";" : field.name + ": " + field.value);
     if (!m_request.postData.empty()) {
         curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE,
                          static_cast<curl_off_t>(m_request.postData.size()));
         curl_easy_setopt(easy, CURLOPT_POSTFIELDS, m_request.postData.data());
-        AddHeader("Expect:"); // no waiting for a 100
+        AppendTo(m_headerList, "Expect:"); // no waiting for a 100
         // On a kept connection that breaks off the library sends the data again, although the
         // server may have acted on it (RFC 9110, 9.2.2).
         curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
     }
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, m_headerList.get());
-}
-
-void Transfer::AddHeader(const std::string& line) {
-    curl_slist* extended = curl_slist_append(m_headerList.get(), line.c_str());
-    if (!extended) return;
-    static_cast<void>(m_headerList.release());
-    m_headerList.reset(extended);
 }
 
 std::size_t Transfer::OnHeader(char* data, std::size_t size, std::size_t count, void* self) {
@@ -131,16 +117,9 @@ bool Transfer::TakeHeaderLine(std::string_view line) {
     return true;
 }
 
-std::string Transfer::Field(const char* pszName) const {
-    curl_header* field = nullptr;
-    if (curl_easy_header(m_easy.get(), pszName, 0, CURLH_HEADER, -1, &field) != CURLHE_OK)
-        return {};
-    return field->value;
-}
-
 void Transfer::TakeHead(long status) {
     m_status = status;
-    if (IsRedirect(status)) m_redirectTarget = Field("Location");
+    if (IsRedirect(status)) m_redirectTarget = ReplyField(m_easy.get(), "Location");
     if (!m_redirectTarget.empty()) {
         m_redirectTime = std::chrono::steady_clock::now();
         return;
@@ -148,10 +127,11 @@ void Transfer::TakeHead(long status) {
     HeadReceived head;
     head.url = m_request.url;
     head.reply.status = static_cast<int>(status);
-    head.reply.type = WithoutParameters(Field("Content-Type"));
-    head.reply.isAttachment = WithoutParameters(Field("Content-Disposition")) == "attachment";
+    head.reply.type = WithoutParameters(ReplyField(m_easy.get(), "Content-Type"));
+    head.reply.isAttachment =
+        WithoutParameters(ReplyField(m_easy.get(), "Content-Disposition")) == "attachment";
     m_type = head.reply.type;
-    m_refresh = Field("Refresh");
+    m_refresh = ReplyField(m_easy.get(), "Refresh");
     Report(std::move(head));
 }
 

@@ -7,30 +7,15 @@
 #include <string>
 #include <vector>
 
-#include <curl/curl.h>
-
 #include "browser/builtin/NetworkMessages.h"
+#include "internet/CurlHandles.h"
 
 namespace platform {
-
-struct CurlEasyCleanup {
-    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-};
-using CurlEasy = std::unique_ptr<CURL, CurlEasyCleanup>;
-
-// Back to the state of a new handle; its connections, cookies and share stay.
-void ResetEasy(CURL* easy);
-
-struct CurlListCleanup {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-};
-using CurlList = std::unique_ptr<curl_slist, CurlListCleanup>;
 
 // What all transfers of one browser share.
 struct TransferSettings {
     CURLSH* share = nullptr; // cookies and TLS sessions
     std::string certificateFile;
-    std::string certificateDirectory;
 };
 
 // On the network thread only. What it finds out is appended to `events`.
@@ -63,7 +48,6 @@ private:
     void SetUp();
     void SetUpRequest();
     void SetUpSecurity();
-    void AddHeader(const std::string& line);
     bool TakeHeaderLine(std::string_view line);
     void TakeHead(long status);
     bool TakeBody(std::string_view bytes);
@@ -71,7 +55,6 @@ private:
     void FollowTo(std::string url, bool isSameOrigin);
     void Fail(std::string reason);
     void Report(decltype(NetworkEvent::what) what);
-    std::string Field(const char* pszName) const;
 
     FetchRequest m_request;
     CurlEasy m_easy;

@@ -24,6 +24,13 @@ public:
     // standard input and error output are one; otherwise it answers at once with the harmless
     // button (No, then Cancel, then OK) and reports what it answered.
     virtual int Ask(const CString& strText, UINT nType) = 0;
+    // Shows the text and asks for a name and a password; false when the user gives none. The real
+    // one asks on the terminal as above, without showing the password; otherwise it reports that
+    // there is nobody to ask. Nobody answers unless a prompt says otherwise.
+    virtual bool AskCredentials(const CString& /*strText*/, CString& /*strName*/,
+                                CString& /*strPassword*/) {
+        return false;
+    }
 };
 
 } // namespace platform

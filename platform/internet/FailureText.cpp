@@ -1,25 +1,13 @@
-#include "browser/builtin/FailureText.h"
+#include "internet/FailureText.h"
 
 #include <cerrno>
 
-#include "browser/builtin/Limits.h"
+#include "internet/CertificateCheck.h"
 #include "internet/CurlUrl.h"
+#include "internet/TransferLimits.h"
 
 namespace platform {
 namespace {
-
-// The numbers of X509_V_ERR_..., as CURLINFO_SSL_VERIFYRESULT reports them.
-enum class CertificateCheck : long {
-    notFinished = 1, // stays so when the host name is what does not fit
-    notYetValid = 9,
-    expired = 10,
-    selfSigned = 18,
-    selfSignedInChain = 19,
-    unknownIssuer = 20,
-    unknownFirst = 21,
-    revoked = 23,
-    hostMismatch = 62
-};
 
 std::string CertificateText(CURL* easy) {
     long result = 0;

@@ -1,0 +1,163 @@
+// Waits that end when they are told to, whatever the server does or does not do.
+#include <chrono>
+#include <future>
+#include <memory>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "platform/internet/InternetClient.h"
+#include "platform/internet/SlowNames.h"
+#include "support/RawServer.h"
+#include "support/TestServer.h"
+
+namespace platform_test {
+namespace {
+
+using namespace test_support;
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
+
+// Takes connections into its queue and never looks at them; one that is full takes none.
+class SilentServer {
+public:
+    explicit SilentServer(bool isFull) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        auto* pAddress = reinterpret_cast<sockaddr*>(&address);
+        m_sockets.push_back(socket(AF_INET, SOCK_STREAM, 0));
+        EXPECT_EQ(0, bind(m_sockets[0], pAddress, length));
+        EXPECT_EQ(0, listen(m_sockets[0], isFull ? 0 : 8));
+        EXPECT_EQ(0, getsockname(m_sockets[0], pAddress, &length));
+        m_port = ntohs(address.sin_port);
+        for (int filler = 0; isFull && filler < 4; ++filler) {
+            m_sockets.push_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+            connect(m_sockets.back(), pAddress, length);
+        }
+    }
+    ~SilentServer() {
+        for (int one : m_sockets)
+            close(one);
+    }
+    SilentServer(const SilentServer&) = delete;
+    SilentServer& operator=(const SilentServer&) = delete;
+    std::string Url(const std::string& scheme) const {
+        return scheme + "://127.0.0.1:" + std::to_string(m_port) + "/";
+    }
+
+private:
+    std::vector<int> m_sockets;
+    int m_port = 0;
+};
+
+// Runs `wait`, which must wait, and `end` beside it; how long `wait` went on after that.
+template <class TWait, class TEnd>
+std::chrono::milliseconds TimeToEnd(TWait wait, TEnd end) {
+    steady_clock::time_point ended;
+    std::thread ender([&] {
+        std::this_thread::sleep_for(150ms); // it waits by then
+        ended = steady_clock::now();
+        end();
+    });
+    wait();
+    const auto now = steady_clock::now();
+    ender.join();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now - ended);
+}
+
+// Where the sanitizers do not slow things down it is 250 ms, with room for a busy machine.
+constexpr auto kAtMost = 400ms;
+
+TEST(Stop, EndsTheWaitForTheHeadInEveryPhase) {
+    const SlowNames names;
+    const SilentServer full(true);
+    const SilentServer silent(false);
+    RawServer server;
+    const auto gate = std::make_shared<Gate>();
+    server.Set("/head", "HTTP/1.1 200 OK\r\nConte", gate);
+    const InternetHandle session = OpenSession();
+    for (const std::string& url : {"http://" + std::string(kSlowName) + "/", full.Url("http"),
+                                   silent.Url("https"), silent.Url("http"), server.Url("/head")}) {
+        std::atomic<int> word{0};
+        const platform::ScopedInternetStop stop(word);
+        const auto time = TimeToEnd(
+            [&] {
+                EXPECT_FALSE(OpenUrl(session, url));
+                EXPECT_EQ(ERROR_INTERNET_OPERATION_CANCELLED, GetLastError());
+                EXPECT_EQ("the request was stopped", LastResponseText());
+            },
+            [&] { word = 1; });
+        EXPECT_GE(time, 0ms) << url;
+        EXPECT_LT(time, kAtMost) << url;
+    }
+    EXPECT_TRUE(SlowNames::IsAsked());
+    gate->Open();
+}
+
+TEST(Stop, EndsTheWaitForTheBody) {
+    RawServer server;
+    const auto gate = std::make_shared<Gate>();
+    server.Set("/", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nab", gate, "cd");
+    const InternetHandle session = OpenSession();
+    const InternetHandle request = OpenUrl(session, server.Url("/"));
+    Body body;
+    {
+        std::atomic<int> word{0};
+        const platform::ScopedInternetStop stop(word);
+        EXPECT_LT(TimeToEnd([&] { body = ReadAll(request); }, [&] { word = 1; }), kAtMost);
+    }
+    EXPECT_EQ(nullptr, platform::ScopedInternetStop::Current());
+    EXPECT_EQ("ab", body.bytes);
+    EXPECT_EQ(ERROR_INTERNET_OPERATION_CANCELLED, body.error);
+    gate->Open();
+    EXPECT_EQ("cd", ReadAll(request).bytes); // the transfer itself is as it was
+}
+
+TEST(Stop, ClosingAHandleEndsWhatWaitsOnIt) {
+    RawServer server;
+    const auto gate = std::make_shared<Gate>();
+    server.Set("/head", "", gate);
+    server.Set("/body", "HTTP/1.1 200 OK\r\n\r\n", gate);
+    InternetHandle session = OpenSession();
+    InternetHandle request = OpenUrl(session, server.Url("/body"));
+    const HINTERNET closed = request.Get();
+    Body body;
+    EXPECT_LT(TimeToEnd([&] { body = ReadAll(request); },
+                        [&] { EXPECT_TRUE(InternetCloseHandle(closed)); }),
+              kAtMost);
+    EXPECT_EQ(ERROR_INTERNET_OPERATION_CANCELLED, body.error);
+    static_cast<void>(request.Release());
+
+    const HINTERNET closedSession = session.Get();
+    EXPECT_LT(TimeToEnd([&] { EXPECT_FALSE(OpenUrl(session, server.Url("/head"))); },
+                        [&] { EXPECT_TRUE(InternetCloseHandle(closedSession)); }),
+              kAtMost);
+    static_cast<void>(session.Release());
+    gate->Open();
+}
+
+TEST(Stop, RequestsOfOneSessionRunSideBySide) {
+    TestServer server;
+    const std::string text(2'000'000, 'x');
+    server.Set("/", Bytes("text/plain", text));
+    const InternetHandle session = OpenSession();
+    std::vector<std::future<std::size_t>> readers;
+    for (int reader = 0; reader < 4; ++reader)
+        readers.push_back(std::async(std::launch::async, [&] {
+            std::size_t size = 0;
+            for (int round = 0; round < 3; ++round)
+                size += ReadAll(OpenUrl(session, server.Url("/"))).bytes.size();
+            return size;
+        }));
+    for (auto& reader : readers)
+        EXPECT_EQ(3 * text.size(), reader.get());
+}
+
+} // namespace
+} // namespace platform_test

@@ -1,0 +1,176 @@
+#include "zrhttp/Download.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <thread>
+
+#include <ZrHbInet.h>
+#include <platform/Window.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "zrhttp/CharacterSets.h"
+#include "zrhttp/Errors.h"
+#include "zrhttp/Interrupt.h"
+#include "zrhttp/TransferProgress.h"
+
+namespace zrhttp {
+namespace {
+
+constexpr auto kLook = std::chrono::milliseconds(100);
+constexpr const char* kWindowClass = "zrhttp download";
+
+// A file beside the target, which takes the target's name when it is complete and is removed
+// otherwise.
+class PartialFile {
+public:
+    explicit PartialFile(std::string target) : m_target(std::move(target)) {
+        if (std::filesystem::is_directory(m_target)) Fail(EISDIR);
+        m_name = m_target + ".part-XXXXXX";
+        const int descriptor = mkstemp(m_name.data());
+        if (descriptor < 0) Fail(errno);
+        const mode_t mask = umask(0);
+        umask(mask);
+        fchmod(descriptor, 0666 & ~mask);
+        close(descriptor);
+    }
+    ~PartialFile() {
+        if (!m_name.empty()) unlink(m_name.c_str());
+    }
+    PartialFile(const PartialFile&) = delete;
+    PartialFile& operator=(const PartialFile&) = delete;
+
+    const std::string& Name() const { return m_name; }
+    std::uint64_t Length() const {
+        std::error_code error;
+        const auto length = std::filesystem::file_size(m_name, error);
+        return error ? 0 : length;
+    }
+    void Complete() {
+        if (rename(m_name.c_str(), m_target.c_str()) != 0) Fail(errno);
+        m_name.clear();
+    }
+
+private:
+    [[noreturn]] void Fail(int error) const {
+        throw SystemError("cannot write '" + m_target + "': " + std::strerror(error));
+    }
+
+    std::string m_target;
+    std::string m_name;
+};
+
+DownloadEnd EndOf(bool isComplete) {
+    if (isComplete) return DownloadEnd::complete;
+    return Interrupt::IsRequested() ? DownloadEnd::stopped : DownloadEnd::failed;
+}
+
+// Looks at the file, and for Ctrl-C, while the library's blocking call has this thread.
+DownloadEnd DownloadHere(CZrHbInet& inet, const CString& url, const PartialFile& file) {
+    std::atomic<bool> isOver{false};
+    std::thread watcher([&] {
+        TransferProgress progress;
+        while (!isOver) {
+            if (Interrupt::IsRequested()) inet.StopDownloadFile();
+            progress.Update(file.Length(), std::nullopt);
+            std::this_thread::sleep_for(kLook);
+        }
+    });
+    const int isComplete = inet.DownloadFile(url, CString(std::string_view(file.Name())));
+    isOver = true;
+    watcher.join();
+    return EndOf(isComplete != 0);
+}
+
+// What the worker's messages have told so far. The window that gets them is this thread's.
+struct Notified {
+    std::optional<int> percent;
+    std::optional<DownloadEnd> end;
+};
+thread_local Notified t_notified;
+
+LRESULT OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
+    switch (nMessage) {
+    case CZrHbInet::eMessage_Progress:
+        t_notified.percent = static_cast<int>(lParam);
+        return 0;
+    case CZrHbInet::eMessage_Stopped:
+        t_notified.end = DownloadEnd::stopped;
+        return 0;
+    case CZrHbInet::eMessage_Ended:
+        t_notified.end = DownloadEnd::complete;
+        return 0;
+    case CZrHbInet::eMessage_Failed:
+        t_notified.end = EndOf(false);
+        return 0;
+    default:
+        return DefWindowProcA(hWnd, nMessage, wParam, lParam);
+    }
+}
+
+class NotificationWindow {
+public:
+    NotificationWindow() {
+        t_notified = {};
+        AfxRegisterWindowClass(kWindowClass, OnMessage);
+        m_window = CreateWindowExA(0, kWindowClass, "", WS_VISIBLE, 0, 0, 0, 0, nullptr, nullptr,
+                                   nullptr, nullptr);
+        if (!m_window) throw SystemError("cannot make a window for the download");
+    }
+    ~NotificationWindow() { DestroyWindow(m_window); }
+    NotificationWindow(const NotificationWindow&) = delete;
+    NotificationWindow& operator=(const NotificationWindow&) = delete;
+
+    CWnd* Object() const { return CWnd::FromHandle(m_window); }
+
+private:
+    HWND m_window = nullptr;
+};
+
+void ServeMessages() {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(kLook.count()), QS_ALLINPUT);
+}
+
+DownloadEnd DownloadInBackground(CZrHbInet& inet, const CString& url, const PartialFile& file) {
+    const NotificationWindow window;
+    if (!inet.StartDownloadFile2(eAppGroup_2, url, CString(std::string_view(file.Name())),
+                                 window.Object()))
+        throw UsageError("not a URL that can be downloaded: " + std::string(url.View()));
+    TransferProgress progress;
+    while (!t_notified.end) {
+        if (Interrupt::IsRequested()) inet.StopDownloadFile();
+        ServeMessages();
+        progress.Update(file.Length(), t_notified.percent);
+    }
+    return *t_notified.end;
+}
+
+} // namespace
+
+DownloadResult Download(const DownloadOptions& options) {
+    const CString url = AnsiFromArgument("URL", options.url);
+    PartialFile file(options.file);
+    const Interrupt interrupt;
+    const auto begin = std::chrono::steady_clock::now();
+    DownloadResult result;
+    {
+        CZrHbInet inet;
+        result.end = options.background ? DownloadInBackground(inet, url, file)
+                                        : DownloadHere(inet, url, file);
+    }
+    result.length = file.Length();
+    result.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - begin);
+    if (result.end == DownloadEnd::complete) file.Complete();
+    return result;
+}
+
+} // namespace zrhttp

@@ -1,0 +1,37 @@
+// How far a download has come, on standard error.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zrhttp {
+
+// A line that is kept up to date on a terminal: a bar, bytes, rate and time left as far as they are
+// known. Elsewhere one line for each 10 per cent.
+class TransferProgress {
+public:
+    TransferProgress();
+    ~TransferProgress(); // removes the line
+    TransferProgress(const TransferProgress&) = delete;
+    TransferProgress& operator=(const TransferProgress&) = delete;
+
+    // percent: nothing while the length is not known.
+    void Update(std::uint64_t bytes, std::optional<int> percent);
+
+private:
+    std::string LineOf(std::uint64_t bytes, std::optional<int> percent) const;
+
+    const bool m_isTerminal;
+    bool m_hasLine = false;
+    int m_tenthsShown = 0;
+    std::chrono::steady_clock::time_point m_begin;
+};
+
+// "512 B", "1.5 kB", "12.3 MB": powers of 1000.
+std::string ByteCountText(double bytes);
+// "0:07", "12:05", "1:00:00".
+std::string DurationText(std::chrono::seconds duration);
+
+} // namespace zrhttp
