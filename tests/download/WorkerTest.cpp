@@ -137,3 +137,17 @@ TEST_F(DownloadWorkers, AreWaitedForWhileTheirMessagesStartOthers) {
     EXPECT_THAT(g_received, ElementsAre(UINT{CZrHbInet::eMessage_Ended}));
     PumpUntil([&] { return m_home.ReadFile("second") == "bytes"; }, "the second file");
 }
+
+TEST_F(DownloadWorkers, OutliveTheirWindow) {
+    ManualClock clock;
+    const platform::ScopedService<platform::Clock> installedClock(clock);
+    ScriptedInternet internet;
+    const platform::ScopedService<platform::Internet> installedInternet(internet);
+    internet.body = std::string(2048, 'x');
+    internet.contentLength = 2048;
+    g_onNextMessage = [&] { m_window.reset(); };
+    CZrHbInet().StartDownloadFile("http://bank.test/", File(), CWnd::FromHandle(*m_window));
+    EXPECT_THAT(g_received, ElementsAre(UINT{CZrHbInet::eMessage_Progress}));
+    EXPECT_EQ(clock.TickCount(), 5000u);
+    EXPECT_EQ(m_home.ReadFile("file"), internet.body);
+}

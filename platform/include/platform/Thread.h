@@ -28,7 +28,8 @@ public:
     virtual ~WorkerThreads() = default;
     static WorkerThreads& Real();
     // Runs the procedure on a thread of its own, with a message queue. Null with GetLastError()
-    // when no thread could be started. A thread does not end before those that it has started.
+    // when no thread could be started. A thread does not end before those that it has started;
+    // leaving main waits for them, handling the messages that they send.
     virtual std::shared_ptr<WorkerThread> Start(std::function<void()> procedure) = 0;
 };
 

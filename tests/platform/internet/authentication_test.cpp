@@ -1,5 +1,6 @@
 // Names and passwords: asked for, kept for one origin or proxy, and never sent elsewhere.
 #include <deque>
+#include <sstream>
 
 #include <gmock/gmock.h>
 
@@ -7,6 +8,7 @@
 #include "support/RawServer.h"
 #include "support/ScopedVariable.h"
 #include "support/TestServer.h"
+#include "system/TerminalPrompt.h"
 
 namespace platform_test {
 namespace {
@@ -130,6 +132,22 @@ TEST(Authentication, AUrlsOwnAreForItsOriginOnly) {
     const InternetHandle session = OpenSession();
     EXPECT_EQ(200, OpenAsking(session, with("me:wrong", "/in")));
     EXPECT_EQ(401, StatusOf(OpenUrl(session, server.Url("/away"))));
+}
+
+TEST(Authentication, AnswersOnATerminal) {
+    const auto answer = [](const char* lines) {
+        std::istringstream input(lines);
+        std::ostringstream output;
+        CString strName;
+        CString strPassword;
+        const bool isGiven = platform::AskNameOnTerminal(input, output, "Who?", strName) &&
+                             platform::AskPasswordOnTerminal(input, output, strPassword);
+        return isGiven ? std::string((strName + "/" + strPassword).View()) : "none";
+    };
+    EXPECT_EQ("me/p\xFC 1", answer("me\np\xC3\xBC 1\r\n"));
+    EXPECT_EQ("me/", answer("me\n\n"));
+    for (const char* lines : {"", "\np\n", "me", "me\n\x03\n"})
+        EXPECT_EQ("none", answer(lines)) << lines;
 }
 
 TEST(Authentication, TheProxyIsToldWhatTheUserAnswers) {

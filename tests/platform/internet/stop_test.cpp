@@ -1,19 +1,43 @@
 // Waits that end when they are told to, whatever the server does or does not do.
+#include <atomic>
 #include <chrono>
+#include <cstring>
 #include <future>
 #include <memory>
 #include <thread>
 
 #include <gmock/gmock.h>
 
+#include <dlfcn.h>
+#include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include "platform/internet/InternetClient.h"
-#include "platform/internet/SlowNames.h"
 #include "support/RawServer.h"
 #include "support/TestServer.h"
+
+namespace {
+
+constexpr const char* kSlowName = "slow-name.invalid";
+std::atomic<bool> s_isSlow{false};
+std::atomic<int> s_lookUps{0}; // of the slow name, under way
+
+} // namespace
+
+// The transfer library calls this one: a program's own functions come before those of libraries.
+extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints,
+                           addrinfo** result) {
+    static const auto next =
+        reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
+    if (!node || std::strcmp(node, kSlowName) != 0) return next(node, service, hints, result);
+    ++s_lookUps;
+    while (s_isSlow)
+        std::this_thread::yield();
+    --s_lookUps;
+    return EAI_NONAME;
+}
 
 namespace platform_test {
 namespace {
@@ -71,11 +95,15 @@ std::chrono::milliseconds TimeToEnd(TWait wait, TEnd end) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(now - ended);
 }
 
-// Where the sanitizers do not slow things down it is 250 ms, with room for a busy machine.
+// 250 ms are promised; a busy machine may take longer, and much longer under a sanitizer.
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+constexpr auto kAtMost = 5s;
+#else
 constexpr auto kAtMost = 400ms;
+#endif
 
 TEST(Stop, EndsTheWaitForTheHeadInEveryPhase) {
-    const SlowNames names;
+    s_isSlow = true;
     const SilentServer full(true);
     const SilentServer silent(false);
     RawServer server;
@@ -96,7 +124,10 @@ TEST(Stop, EndsTheWaitForTheHeadInEveryPhase) {
         EXPECT_GE(time, 0ms) << url;
         EXPECT_LT(time, kAtMost) << url;
     }
-    EXPECT_TRUE(SlowNames::IsAsked());
+    EXPECT_EQ(1, s_lookUps); // nobody has waited for it
+    s_isSlow = false;
+    while (s_lookUps > 0)
+        std::this_thread::yield();
     gate->Open();
 }
 
