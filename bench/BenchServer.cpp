@@ -47,7 +47,8 @@ bool IsListening(unsigned short port) {
     return isListening;
 }
 
-std::string Configuration(const std::string& directory, unsigned short port) {
+// `server`: the lines of the server block.
+std::string Configuration(const std::string& directory, const std::string& server) {
     const std::string paths[] = {"client_body", "proxy", "fastcgi", "uwsgi", "scgi"};
     std::string temporary;
     for (const std::string& path : paths)
@@ -60,23 +61,38 @@ std::string Configuration(const std::string& directory, unsigned short port) {
            "http {\n" +
            temporary +
            "access_log off; default_type text/html; keepalive_requests 1000000;\n"
-           "server { listen 127.0.0.1:" +
-           std::to_string(port) + "; root " + directory + "/www; }\n}\n";
+           "server {\n" +
+           server + "root " + directory + "/www;\n}\n}\n";
+}
+
+std::string ListenLine(unsigned short port, const char* options) {
+    return "listen 127.0.0.1:" + std::to_string(port) + options + ";\n";
+}
+
+std::string CertificateLines(const std::string& file) {
+    return "ssl_certificate " + file + ";\nssl_certificate_key " + file + ";\n";
 }
 
 } // namespace
 
-BenchServer::BenchServer(const std::string& page) {
+BenchServer::BenchServer(const Setup& setup) {
     std::string pattern = (std::filesystem::temp_directory_path() / "zrhttp_bench_XXXXXX").string();
     if (!::mkdtemp(pattern.data())) throw std::runtime_error("no temporary directory");
     m_directory = pattern;
     // The worker of a server started by root runs as another user.
     std::filesystem::permissions(m_directory, std::filesystem::perms(0755));
     std::filesystem::create_directory(m_directory + "/www");
-    WriteFile("www/page", page);
+    WriteFile("www/page", setup.page);
     const unsigned short port = FreePort();
-    m_url = "http://127.0.0.1:" + std::to_string(port) + "/page";
-    WriteFile("nginx.conf", Configuration(m_directory, port));
+    m_origin = "http://127.0.0.1:" + std::to_string(port);
+    std::string server = ListenLine(port, "") + setup.locations;
+    if (!setup.certificate.empty()) {
+        WriteFile("server.pem", setup.certificate);
+        const unsigned short securePort = FreePort();
+        m_secureOrigin = "https://127.0.0.1:" + std::to_string(securePort);
+        server += ListenLine(securePort, " ssl") + CertificateLines(m_directory + "/server.pem");
+    }
+    WriteFile("nginx.conf", Configuration(m_directory, server));
     Start(port);
 }
 

@@ -11,7 +11,7 @@ namespace platform {
 namespace {
 
 constexpr UINT kButtonMask = 0x0F;
-constexpr int kAttempts = 3;
+constexpr int kQuestions = 3;
 
 struct Button {
     int id;
@@ -87,7 +87,7 @@ int HarmlessButton(UINT nType) {
 
 int AskOnTerminal(std::istream& input, std::ostream& output, const CString& strText, UINT nType) {
     output << Visible(strText) << '\n';
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    for (int attempt = 0; attempt < kQuestions; ++attempt) {
         for (const Button& button : ButtonsOf(nType))
             output << button.label << ' ';
         output << "> " << std::flush;

@@ -1,6 +1,9 @@
 // Error texts that the back-ends share.
 #pragma once
 
+#include <ZrHbResultCodes.h>
+#include <platform/String.h>
+
 namespace BackendTexts {
 
 constexpr const char* kOpenNotConnected = "Open failed because: not connected.";
@@ -22,3 +25,8 @@ constexpr const char* kOffline = "Reading failed because browser is offline.";
 constexpr const char* kNoDocument = "Reading failed. (GetDocument failed.)";
 
 } // namespace BackendTexts
+
+inline DWORD OpenNotConnected(CString& strErr) {
+    strErr = BackendTexts::kOpenNotConnected;
+    return ZRHB_OPEN_NOT_CONNECTED;
+}

@@ -14,14 +14,9 @@ namespace {
 
 constexpr DWORD kPollMs = 100;
 
-DWORD ConnectFailed(CString& strErr, const char* pszCall) {
+DWORD CannotConnect(CString& strErr, const char* pszCall) {
     strErr.Format("Internal Error: Cannot Connect to IE(Version 2): %s failed.", pszCall);
     return ZRHB_CONNECT_FAILED;
-}
-
-DWORD OpenNotConnected(CString& strErr) {
-    strErr = BackendTexts::kOpenNotConnected;
-    return ZRHB_OPEN_NOT_CONNECTED;
 }
 
 DWORD CannotNavigate(CString& strErr) {
@@ -58,11 +53,11 @@ DWORD CZrHbIE2HttpGet::Connect(HWND, CString& strErr) {
                         eAppGroup_2, "ZrHbIE2HttpGet", 71, __DATE__, __TIME__,
                         CZrAbErrorFile::eErrorLevel_Trace, CZrAbErrorFile::eFunctionType_Http);
     Disconnect();
-    if (FAILED(OleInitialize(nullptr))) return ConnectFailed(strErr, "OleInitialize");
+    if (FAILED(OleInitialize(nullptr))) return CannotConnect(strErr, "OleInitialize");
     CComPtr<IWebBrowser2> browser;
     if (FAILED(CoCreateInstance(CLSID_InternetExplorer, nullptr, CLSCTX_LOCAL_SERVER,
                                 IID_IWebBrowser2, reinterpret_cast<void**>(&browser))))
-        return ConnectFailed(strErr, "CoCreateInstance");
+        return CannotConnect(strErr, "CoCreateInstance");
     m_browser = std::move(browser);
     strErr.Empty();
     return ZRHB_OK;

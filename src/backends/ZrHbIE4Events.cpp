@@ -46,7 +46,7 @@ CString TextOf(const VARIANT* pText) {
     return CString(platform::AnsiFromWide({pText->bstrVal, SysStringLen(pText->bstrVal)}));
 }
 
-HWND WindowOf(IWebBrowser2& browser) {
+HWND HandleOf(IWebBrowser2& browser) {
     LONG_PTR window = 0;
     return SUCCEEDED(browser.get_HWND(&window)) ? reinterpret_cast<HWND>(window) : nullptr;
 }
@@ -156,7 +156,7 @@ void CZrHbIE4Events::OnNewWindow2(IDispatch** ppDisp, VARIANT_BOOL*) {
 }
 
 void CZrHbIE4Events::AdoptNewBrowser(CComPtr<IWebBrowser2> browser) {
-    m_hNewBrowserWindow = WindowOf(*browser);
+    m_hNewBrowserWindow = HandleOf(*browser);
     auto child = std::make_unique<CZrHbIE4Events>(std::move(browser));
     if (!child->Advise(m_bKeepInvisible)) return;
     child->m_onTopNavigateComplete = std::exchange(m_onNewWindowNavigated, {});

@@ -21,11 +21,6 @@ constexpr DWORD kBusyPollMs = 100;
 constexpr DWORD kShowPageLimitMs = 60'000;
 constexpr DWORD kDisconnectLimitMs = 10'000;
 
-DWORD OpenNotConnected(CString& strErr) {
-    strErr = BackendTexts::kOpenNotConnected;
-    return ZRHB_OPEN_NOT_CONNECTED;
-}
-
 DWORD ConnectFailed(CString& strErr, const char* pszCall) {
     strErr.Format("Internal Error: Cannot Connect to %s failed", pszCall);
     return ZRHB_CONNECT_FAILED;

@@ -3,7 +3,6 @@
 namespace {
 
 constexpr std::string_view kSeparator = ": ";
-constexpr std::string_view kLineEnd = "\r\n";
 
 } // namespace
 

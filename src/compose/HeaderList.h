@@ -8,6 +8,8 @@
 
 #include <ZrHbHttpHeaders.h>
 
+inline constexpr std::string_view kLineEnd = "\r\n";
+
 struct HeaderField {
     std::string name;  // never empty, no two the same
     std::string value; // never empty

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "parse/AsciiText.h"
+
 namespace {
 
 constexpr DWORD kUsualSize = 2048; // bytes
@@ -13,18 +15,17 @@ constexpr DWORD kLargestSize = 1024 * 1024;
 // Shorter texts are kept whole.
 constexpr std::size_t kShortestWithComment = 5;
 
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 constexpr const char* kClient = "VELTRUM e-banking Software ";
 constexpr const char* kNoComment = "(compatible)";
 
-struct Answer {
+struct ToldText {
     HRESULT result = S_OK;
     DWORD length = 0;                // as told
     std::optional<std::string> text; // when the room was enough
 };
 
-Answer Ask(const TextQuery& query, DWORD size) {
-    Answer answer;
+ToldText Ask(const TextQuery& query, DWORD size) {
+    ToldText answer;
     std::string buffer(size, '\0');
     answer.result = query(buffer.data(), size, &answer.length);
     const bool isAnswer = answer.result == S_OK || answer.result == E_OUTOFMEMORY;
@@ -33,12 +34,6 @@ Answer Ask(const TextQuery& query, DWORD size) {
     buffer.resize(std::min(buffer.find('\0'), buffer.size())); // the length may count the NUL
     answer.text = std::move(buffer);
     return answer;
-}
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kWhiteSpace);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kWhiteSpace) + 1 - first);
 }
 
 std::string_view CommentOf(std::string_view text) {
@@ -51,7 +46,7 @@ std::string_view CommentOf(std::string_view text) {
 } // namespace
 
 std::string AnswerOf(const TextQuery& query) {
-    Answer answer = Ask(query, kUsualSize);
+    ToldText answer = Ask(query, kUsualSize);
     const bool needsRoom = answer.result != S_OK && answer.length > kUsualSize;
     if (needsRoom && answer.length < kLargestSize) answer = Ask(query, answer.length + 1);
     return std::move(answer.text).value_or("");

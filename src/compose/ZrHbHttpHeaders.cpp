@@ -9,13 +9,7 @@
 
 #include "compose/HeaderList.h"
 #include "compose/UserAgentText.h"
-
-namespace {
-
-constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
-
-} // namespace
+#include "parse/AsciiText.h"
 
 class CZrHbHttpHeaders_Impl {
 public:

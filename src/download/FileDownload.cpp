@@ -192,7 +192,8 @@ DownloadResult FileDownload::ReadFileFromInternet() const {
         if (IsStopRequested()) return DownloadResult::stopped;
         total += count;
         progress.Advance(total);
-        if (!file.Write({piece, count})) return failToWrite();
+        // After a short piece the server may take its time.
+        if (!file.Write({piece, count}) || (count < kPiece && !file.Flush())) return failToWrite();
     }
     if (IsStopRequested()) return DownloadResult::stopped;
     progress.Finish(total);

@@ -36,6 +36,7 @@ bool TargetFile::Close() {
 }
 
 bool TargetFile::Flush() {
+    if (m_pending.empty()) return true;
     const bool isWritten =
         Try([this] { m_file.Write(m_pending.data(), static_cast<UINT>(m_pending.size())); });
     m_pending.clear();

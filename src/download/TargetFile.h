@@ -6,8 +6,8 @@
 
 #include <platform/File.h>
 
-// Collects small writes into large ones. Operations are false when the system refuses them, with
-// its text in Error(); what was written before stays.
+// Collects small writes into large ones. Its operations are false when the system refuses them,
+// with its text in Error(); what was written before stays.
 class TargetFile {
 public:
     ~TargetFile() { Close(); }
@@ -15,11 +15,12 @@ public:
     // Creates or empties the file.
     bool Open(const CString& strFile);
     bool Write(std::string_view bytes);
+    // Nothing that was written is held back.
+    bool Flush();
     bool Close();
     const CString& Error() const { return m_error; }
 
 private:
-    bool Flush();
     template <class TAction>
     bool Try(TAction action);
 

@@ -17,3 +17,10 @@ constexpr bool IsAsciiLower(char ch) {
 constexpr char AsciiUpper(char ch) {
     return IsAsciiLower(ch) ? static_cast<char>(ch - ('a' - 'A')) : ch;
 }
+
+// Without the white space at both ends.
+constexpr std::string_view Trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(kWhiteSpace);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(kWhiteSpace) + 1 - first);
+}

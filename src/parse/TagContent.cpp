@@ -7,16 +7,6 @@
 
 #include "parse/AsciiText.h"
 
-namespace {
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kWhiteSpace);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kWhiteSpace) + 1 - first);
-}
-
-} // namespace
-
 int CZrHbHtmlTools::GetInfoBetweenHtmlTags(const char* pszText, const char* pszTagName,
                                            CString& strResult, int nTrim, int nFailIfEmpty,
                                            char** ppContinue) {

@@ -17,12 +17,12 @@
 
 namespace {
 
-using Form = CZrHbDataTransmit;
-constexpr auto kPublic = Form::eDataConfidentialityType_Public;
-constexpr auto kSecret = Form::eDataConfidentialityType_Confidential;
-constexpr auto kOther = Form::EZrHbDataConfidentialityType(2);
-constexpr auto kText = Form::eContentType_TextPlain;
-constexpr auto kMasked = Form::eRequestDataType_Masked;
+using Data = CZrHbDataTransmit;
+constexpr auto kPublic = Data::eDataConfidentialityType_Public;
+constexpr auto kSecret = Data::eDataConfidentialityType_Confidential;
+constexpr auto kOther = Data::EZrHbDataConfidentialityType(2);
+constexpr auto kText = Data::eContentType_TextPlain;
+constexpr auto kMasked = Data::eRequestDataType_Masked;
 
 class DataTransmit : public testing::Test {
 protected:
@@ -31,10 +31,10 @@ protected:
     test_support::ManualClock clock;
     platform::ScopedService<platform::Clock> installed{clock};
     test_support::TemporaryHome home;
-    Form form;
+    Data form;
 };
 
-struct FormWithoutState : Form {
+struct FormWithoutState : Data {
     FormWithoutState() { DeleteImpl(); }
 };
 
@@ -42,10 +42,10 @@ TEST_F(DataTransmit, EmptySetsGiveNothing) {
     EXPECT_EQ(form.GetURLEncodedData(1) + form.GetMultipartData(), "");
     EXPECT_EQ(form.GetURLEncodedHeader(), "Content-Type: application/x-www-form-urlencoded");
     FormWithoutState none;
-    static_cast<Form&>(none) = form;
+    static_cast<Data&>(none) = form;
     EXPECT_EQ(none.SetField("a", "1", kPublic) + none.SetFile("a", "b", kText, kPublic), 0);
     EXPECT_EQ(none.RemoveField("a"), 0);
-    EXPECT_EQ(Form(none).GetURLEncodedHeader() + none.GetMultipartHeader(), "");
+    EXPECT_EQ(Data(none).GetURLEncodedHeader() + none.GetMultipartHeader(), "");
     EXPECT_EQ(none.GetMultipartData() + none.GetURLEncodedData(1) + none.GetLastError(), "");
 }
 
@@ -53,13 +53,13 @@ TEST_F(DataTransmit, ComposesBothEncodingsPlainAndMasked) {
     home.WriteFile("pic.tar.gz", std::string("G\0F", 3));
     home.WriteFile("notes", "n&n\r\n");
     form.SetField("a%s", "x y", kPublic);
-    form.SetFile("pic\"\r\n", PathOf("pic.tar.gz"), Form::eContentType_OctetStream, kSecret);
-    form.SetFile("n", PathOf("notes"), Form::EZrHbContentType(7), kOther);
+    form.SetFile("pic\"\r\n", PathOf("pic.tar.gz"), Data::eContentType_OctetStream, kSecret);
+    form.SetFile("n", PathOf("notes"), Data::EZrHbContentType(7), kOther);
     form.SetField("b=", CString("1&2\0hidden", 10), kSecret);
     form.SetField(CString("e\0x", 3), "", kPublic);
     EXPECT_EQ(form.GetURLEncodedData(1), "?a%s=x+y&pic\"\r\n=G&n=n%26n%0D%0A&b==1%262&e=");
     EXPECT_EQ(form.GetURLEncodedData(kMasked, 2), "a%s=x+y&pic\"\r\n=[...]&n=???&b==[...]&e=");
-    EXPECT_EQ(form.GetURLEncodedData(Form::EZrHbRequestDataType(2), 0),
+    EXPECT_EQ(form.GetURLEncodedData(Data::EZrHbRequestDataType(2), 0),
               "a%s=???&pic\"\r\n=???&n=???&b==???&e=???");
 
     form.SetBoundary("1&2"); // a boundary of the caller's may occur in the data
@@ -90,7 +90,7 @@ TEST_F(DataTransmit, NamesAreUniqueAndKeepTheirPlaces) {
     form.SetField("A", "4", kPublic);
     EXPECT_EQ(form.GetURLEncodedData(0), "a=2&b=3&c=1&A=4");
 
-    Form copy(form);
+    Data copy(form);
     copy.SetField("b", "copy", kPublic);
     copy.RemoveField("a");
     form = form;
@@ -156,7 +156,7 @@ TEST_F(DataTransmit, BoundariesLastUntilTheSetGrows) {
 
     form.RemoveField("f");
     EXPECT_GE(form.GetMultipartHeader().Find("multipart/form-data"), 0) << "it once had a file";
-    Form copy;
+    Data copy;
     copy = form;
     copy.GetMultipartData(kMasked);
     EXPECT_EQ(copy.GetBoundary(), verified) << "neither a removal nor a copy asks for another";
@@ -227,7 +227,7 @@ TEST(MultipartBody, SearchesTheBoundaryAsTheWholeBodyWouldBeSearched) {
             field.value = text().GetString();
             fields.Put(std::move(field));
         }
-        const CString body = MultipartBody::Compose(fields, "", Form::eRequestDataType_Plain);
+        const CString body = MultipartBody::Compose(fields, "", Data::eRequestDataType_Plain);
         const bool occurs = body.Find(boundary.c_str()) >= 0;
         ASSERT_EQ(MultipartBody::Holds(fields, boundary), occurs) << body.GetString();
         found += occurs;

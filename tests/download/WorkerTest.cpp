@@ -25,7 +25,7 @@ namespace {
 std::vector<UINT> g_received;
 std::function<void()> g_onNextMessage;
 
-LRESULT OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
+LRESULT OnWorkerMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     if (nMessage < CZrHbInet::eMessage_Progress || nMessage > CZrHbInet::eMessage_Failed)
         return DefWindowProcA(hWnd, nMessage, wParam, lParam);
     g_received.push_back(nMessage);
@@ -44,7 +44,7 @@ class DownloadWorkers : public testing::Test {
 protected:
     DownloadWorkers() {
         g_received.clear();
-        AfxRegisterWindowClass("worker test", OnMessage);
+        AfxRegisterWindowClass("worker test", OnWorkerMessage);
         m_window = std::make_unique<TestWindow>("worker", nullptr, "worker test");
     }
     CString File(const char* name = "file") const {

@@ -71,12 +71,29 @@ Certificate Certificate::Issue(const std::string& hostAddress) const {
     return Make("test server", hostAddress, Validity::current, this);
 }
 
-std::string Certificate::Pem() const {
-    const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), &BIO_free);
-    PEM_write_bio_X509(memory.get(), m_certificate.get());
+namespace {
+
+using Memory = std::unique_ptr<BIO, decltype(&BIO_free)>;
+
+std::string ContentOf(const Memory& memory) {
     char* data = nullptr;
     const long length = BIO_get_mem_data(memory.get(), &data);
     return {data, static_cast<std::size_t>(length)};
+}
+
+} // namespace
+
+std::string Certificate::Pem() const {
+    const Memory memory(BIO_new(BIO_s_mem()), &BIO_free);
+    PEM_write_bio_X509(memory.get(), m_certificate.get());
+    return ContentOf(memory);
+}
+
+std::string Certificate::PemWithKey() const {
+    const Memory memory(BIO_new(BIO_s_mem()), &BIO_free);
+    PEM_write_bio_X509(memory.get(), m_certificate.get());
+    PEM_write_bio_PrivateKey(memory.get(), m_key.get(), nullptr, nullptr, 0, nullptr, nullptr);
+    return ContentOf(memory);
 }
 
 } // namespace test_support

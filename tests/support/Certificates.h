@@ -24,6 +24,7 @@ public:
 
     // The certificate alone, in PEM.
     std::string Pem() const;
+    std::string PemWithKey() const;
     x509_st* X509Pointer() const { return m_certificate.get(); }
     evp_pkey_st* KeyPointer() const { return m_key.get(); }
 

@@ -20,7 +20,7 @@ namespace {
 constexpr int kNumberDescriptor = 3; // where the server writes its display number
 
 template <class T>
-using Answer = std::unique_ptr<T, decltype(&std::free)>;
+using Reply = std::unique_ptr<T, decltype(&std::free)>;
 
 void EndProcess(pid_t& process) {
     if (process <= 0) return;
@@ -37,8 +37,8 @@ std::string ReadLine(int descriptor) {
     return line;
 }
 
-Answer<xcb_get_window_attributes_reply_t> AttributesOf(xcb_connection_t* connection,
-                                                       xcb_window_t window) {
+Reply<xcb_get_window_attributes_reply_t> AttributesOf(xcb_connection_t* connection,
+                                                      xcb_window_t window) {
     const auto asked = xcb_get_window_attributes(connection, window);
     return {xcb_get_window_attributes_reply(connection, asked, nullptr), &std::free};
 }
@@ -128,7 +128,7 @@ std::vector<std::uint8_t> XServer::Screenshot() const {
     const auto asked =
         xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen.root, 0, 0,
                       screen.width_in_pixels, screen.height_in_pixels, ~std::uint32_t{0});
-    const Answer<xcb_get_image_reply_t> image(
+    const Reply<xcb_get_image_reply_t> image(
         xcb_get_image_reply(m_connection.get(), asked, nullptr), &std::free);
     if (!image) throw std::runtime_error("no picture of the screen");
     const std::uint8_t* const pixels = xcb_get_image_data(image.get());

@@ -116,9 +116,9 @@ TEST(TextCommand, FetchReducesPagesTheSameWay) {
     EXPECT_EQ(
         RunTool({"fetch", server.Url("/"), "--text", "--output", home.Path("out")}).exitStatus, 0);
     EXPECT_EQ(home.ReadFile("out"), text);
-    const auto json = nlohmann::json::parse(
+    const auto result = nlohmann::json::parse(
         RunTool({"fetch", server.Url("/frames"), "--text", "--collect", "--json"}).output);
-    EXPECT_EQ(json["pages"][0]["text"], text);
+    EXPECT_EQ(result["pages"][0]["text"], text);
     EXPECT_THAT(test_support::RunToolOnTerminal({"fetch", server.Url("/"), "--text"}).output,
                 AllOf(HasSubstr(std::string(kUtf8) + "^[[1m"), Not(HasSubstr("\033[1m"))));
     EXPECT_EQ(RunTool({"fetch", server.Url("/"), "--text", "--save", "f"}).exitStatus, 2);

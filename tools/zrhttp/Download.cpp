@@ -8,7 +8,10 @@
 #include <thread>
 
 #include <ZrHbInet.h>
+#include <platform/CodePage.h>
+#include <platform/Internet.h>
 #include <platform/Window.h>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,11 +27,18 @@ constexpr auto kLook = std::chrono::milliseconds(100);
 constexpr const char* kWindowClass = "zrhttp download";
 
 // A file beside the target, which takes the target's name when it is complete and is removed
-// otherwise.
+// otherwise. A device is written to as it is, and what a link leads to is the target.
 class PartialFile {
 public:
-    explicit PartialFile(std::string target) : m_target(std::move(target)) {
-        if (std::filesystem::is_directory(m_target)) Fail(EISDIR);
+    explicit PartialFile(const std::string& target) : m_target(Resolved(target)) {
+        const auto type = std::filesystem::status(m_target).type();
+        if (type == std::filesystem::file_type::directory) Fail(EISDIR);
+        if (type == std::filesystem::file_type::character) {
+            m_name = m_target;
+            return;
+        }
+        if (std::filesystem::exists(m_target) && type != std::filesystem::file_type::regular)
+            throw SystemError("cannot write '" + m_target + "': not a file");
         m_name = m_target + ".part-XXXXXX";
         const int descriptor = mkstemp(m_name.data());
         if (descriptor < 0) Fail(errno);
@@ -38,7 +48,7 @@ public:
         close(descriptor);
     }
     ~PartialFile() {
-        if (!m_name.empty()) unlink(m_name.c_str());
+        if (!m_name.empty() && m_name != m_target) unlink(m_name.c_str());
     }
     PartialFile(const PartialFile&) = delete;
     PartialFile& operator=(const PartialFile&) = delete;
@@ -50,11 +60,17 @@ public:
         return error ? 0 : length;
     }
     void Complete() {
-        if (rename(m_name.c_str(), m_target.c_str()) != 0) Fail(errno);
+        if (m_name != m_target && rename(m_name.c_str(), m_target.c_str()) != 0) Fail(errno);
         m_name.clear();
     }
 
 private:
+    static std::string Resolved(const std::string& target) {
+        if (target.empty()) throw UsageError("FILE: is empty");
+        std::error_code error;
+        const auto resolved = std::filesystem::canonical(target, error);
+        return error ? target : resolved.string();
+    }
     [[noreturn]] void Fail(int error) const {
         throw SystemError("cannot write '" + m_target + "': " + std::strerror(error));
     }
@@ -143,7 +159,7 @@ DownloadEnd DownloadInBackground(CZrHbInet& inet, const CString& url, const Part
     const NotificationWindow window;
     if (!inet.StartDownloadFile2(eAppGroup_2, url, CString(std::string_view(file.Name())),
                                  window.Object()))
-        throw UsageError("not a URL that can be downloaded: " + std::string(url.View()));
+        throw SystemError("the download could not be started");
     TransferProgress progress;
     while (!t_notified.end) {
         if (Interrupt::IsRequested()) inet.StopDownloadFile();
@@ -153,10 +169,18 @@ DownloadEnd DownloadInBackground(CZrHbInet& inet, const CString& url, const Part
     return *t_notified.end;
 }
 
+bool IsDownloadable(const CString& url) {
+    return (strncasecmp(url, "http://", 7) == 0 || strncasecmp(url, "https://", 8) == 0) &&
+           IsValidURL(nullptr, platform::WideFromAnsi(url.View()).c_str(), 0) == S_OK;
+}
+
 } // namespace
 
 DownloadResult Download(const DownloadOptions& options) {
     const CString url = AnsiFromArgument("URL", options.url);
+    if (!IsDownloadable(url))
+        throw UsageError("URL: cannot be downloaded; give the whole of it, with http:// or "
+                         "https:// and without spaces");
     PartialFile file(options.file);
     const Interrupt interrupt;
     const auto begin = std::chrono::steady_clock::now();

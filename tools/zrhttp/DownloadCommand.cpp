@@ -5,12 +5,12 @@
 #include <ZrHbInet.h>
 #include <nlohmann/json.hpp>
 #include <platform/CodePage.h>
-#include <platform/UserPaths.h>
 
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/Commands.h"
 #include "zrhttp/Download.h"
 #include "zrhttp/ExitStatus.h"
+#include "zrhttp/FailureLog.h"
 #include "zrhttp/Terminal.h"
 
 namespace zrhttp {
@@ -38,7 +38,7 @@ void PrintReasons() {
     }
 }
 
-int Report(const DownloadOptions& options, const DownloadResult& result) {
+int Report(const DownloadOptions& options, const DownloadResult& result, const FailureLog& log) {
     if (options.json) PrintJson(options, result);
     switch (result.end) {
     case DownloadEnd::complete:
@@ -47,9 +47,11 @@ int Report(const DownloadOptions& options, const DownloadResult& result) {
         PrintError("the download was stopped; nothing is kept");
         break;
     case DownloadEnd::failed:
-        PrintError("the download failed; zrhttpbase3.log in " +
-                   std::string(platform::LogDirectory().View()) + " says why");
+        PrintError("the download failed");
+        for (const std::string& line : log.NewLines())
+            PrintNote(line);
         PrintReasons();
+        PrintNote("More is in " + log.FileName());
         break;
     }
     return kFailure;
@@ -65,8 +67,10 @@ void AddDownloadCommand(CLI::App& application, int& exitStatus) {
     command->add_flag("--background", options->background,
                       "Download on the library's worker thread and follow its messages");
     command->add_flag("--json", options->json, "Print a JSON object when it is over");
-    command->callback(
-        [options, &exitStatus] { exitStatus = Report(*options, Download(*options)); });
+    command->callback([options, &exitStatus] {
+        const FailureLog log;
+        exitStatus = Report(*options, Download(*options), log);
+    });
 }
 
 } // namespace zrhttp

@@ -14,8 +14,6 @@ struct Entry {
     const char* text;
 };
 
-constexpr const char* kBrokenOff = "the connection broke off";
-
 constexpr std::array<Entry, 34> kTexts{{
     {"ABORTED", "the loading was stopped"},
     {"ADDRESS_INVALID", "cannot connect to the server"},

@@ -5,6 +5,8 @@
 
 namespace platform {
 
+inline constexpr const char* kBrokenOff = "the connection broke off";
+
 // `error` is the browser's name for it ("net::ERR_..."). The text holds neither user information
 // nor a query.
 std::string NetErrorText(const std::string& error, const std::string& url);

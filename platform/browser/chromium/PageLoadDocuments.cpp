@@ -5,6 +5,7 @@
 
 #include "browser/chromium/ChromiumBrowser.h"
 #include "browser/chromium/ChromiumPage.h"
+#include "browser/chromium/NetErrors.h"
 #include "browser/chromium/PageLoads.h"
 #include "browser/common/BrowserEvents.h"
 #include "browser/common/PageDocument.h"
@@ -13,7 +14,6 @@ namespace platform {
 namespace {
 
 constexpr const char* kSourceLost = "the browser does not hand out the page's source";
-constexpr const char* kBrokenOff = "the connection broke off";
 
 } // namespace
 

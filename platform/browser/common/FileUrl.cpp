@@ -21,7 +21,7 @@ std::string PercentDecoded(const std::string& text) {
     return copy;
 }
 
-bool IsDrivePath(const std::string& path) {
+bool HasDrive(const std::string& path) {
     return path.size() >= 4 && path[2] == ':' && path[3] == '/' &&
            ((path[1] >= 'a' && path[1] <= 'z') || (path[1] >= 'A' && path[1] <= 'Z'));
 }
@@ -37,7 +37,7 @@ bool FileNameOfUrl(const std::string& url, std::string& fileName, std::string& e
         return false;
     }
     fileName = path;
-    if (!IsDrivePath(path)) return true;
+    if (!HasDrive(path)) return true;
     CString local;
     if (!LocalFileName(AnsiFromUtf8(path.substr(1)), local)) {
         error = "the path leads outside the user's drive";

@@ -27,11 +27,11 @@ bool IsMimeType(std::string_view type) {
            IsToken(type.substr(slash + 1));
 }
 
-constexpr const char* kDatabaseKey = "MIME\\Database\\Content Type";
+constexpr const char* kTypesPath = "MIME\\Database\\Content Type";
 
 std::optional<std::string> ExtensionOf(const std::string& type) {
     RegistryValue value;
-    const CString key(std::string(kDatabaseKey) + "\\" + type);
+    const CString key = CString(kTypesPath) + "\\" + CString(type);
     if (Current<RegistryStore>().GetValue(HKEY_CLASSES_ROOT, key, "Extension", value) !=
         ERROR_SUCCESS)
         return std::nullopt;
@@ -68,7 +68,7 @@ std::string WithoutParameters(std::string_view value) {
 
 std::vector<std::string> SubstitutedTypes() {
     std::vector<CString> names;
-    Current<RegistryStore>().ChildKeys(HKEY_CLASSES_ROOT, kDatabaseKey, names);
+    Current<RegistryStore>().ChildKeys(HKEY_CLASSES_ROOT, kTypesPath, names);
     std::vector<std::string> types;
     for (const CString& name : names) {
         std::string type = WithoutParameters(name.GetString());

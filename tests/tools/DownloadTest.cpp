@@ -1,0 +1,199 @@
+// zrhttp download, reasons, autodial.
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <thread>
+
+#include <sys/stat.h>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "siblings/ZrCbRegistry.h"
+#include "support/RunTool.h"
+#include "support/TemporaryHome.h"
+#include "support/TestServer.h"
+
+namespace {
+
+using namespace test_support;
+using nlohmann::json;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class DownloadCommand : public testing::Test {
+protected:
+    DownloadCommand() {
+        std::filesystem::create_directory(m_home.Path("files"));
+        m_server.Set("/list", Bytes("application/pdf", m_content));
+    }
+    std::string Target() const { return m_home.Path("files/list.pdf"); }
+    ToolRun Run(std::vector<std::string> options, const std::string& url, const std::string& file) {
+        options.insert(options.begin(), "download");
+        options.push_back(url);
+        options.push_back(file);
+        return RunTool(options);
+    }
+    // The names in the target's directory.
+    std::vector<std::string> Files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(m_home.Path("files")))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+
+    const std::string m_content = std::string(100'000, '\xFF') + std::string("\0\r\n", 3);
+    TemporaryHome m_home;
+    TestServer m_server;
+};
+
+const std::vector<std::vector<std::string>> kForms = {{}, {"--background"}};
+
+TEST_F(DownloadCommand, BringsTheFileInBothForms) {
+    for (const auto& form : kForms) {
+        m_home.WriteFile("files/list.pdf", "an older one");
+        const auto run = Run(form, m_server.Url("/list"), Target());
+        EXPECT_EQ(run.exitStatus, 0) << run.error;
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(m_home.ReadFile("files/list.pdf"), m_content);
+        EXPECT_THAT(run.error, testing::MatchesRegex(
+                                   form.empty() ? "" : "(10 %\n)?(20 %\n)?.*(90 %\n)?100 %\n"));
+    }
+    EXPECT_THAT(Files(), ElementsAre("list.pdf"));
+    const json result = json::parse(Run({"--json"}, m_server.Url("/list"), Target()).output);
+    EXPECT_EQ(result["complete"], true);
+    EXPECT_EQ(result["stopped"], false);
+    EXPECT_EQ(result["length"], m_content.size());
+    EXPECT_EQ(result["file"], Target());
+    EXPECT_EQ(result["url"], m_server.Url("/list"));
+    EXPECT_GE(result["elapsed_ms"], 0);
+}
+
+TEST_F(DownloadCommand, FollowsLinksAndWritesToDevices) {
+    m_home.WriteFile("elsewhere", "old");
+    std::filesystem::create_symlink(m_home.Path("elsewhere"), Target());
+    EXPECT_EQ(Run({}, m_server.Url("/list"), Target()).exitStatus, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(Target()));
+    EXPECT_EQ(m_home.ReadFile("elsewhere"), m_content);
+    EXPECT_EQ(Run({}, m_server.Url("/list"), "/dev/null").exitStatus, 0);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST_F(DownloadCommand, AFailureIsExplainedAndLeavesWhatWasThere) {
+    for (const auto& form : kForms) {
+        m_home.WriteFile("files/list.pdf", "an older one");
+        const auto run = Run(form, "http://127.0.0.1:1/list", Target());
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_EQ(run.output, "");
+        EXPECT_THAT(run.error,
+                    AllOf(StartsWith("zrhttp: the download failed\nInternetOpenUrl() -> "),
+                          HasSubstr("Text = \"connection refused"),
+                          HasSubstr("\nMögliche Ursachen:\n- Keine Verbindung ins Internet\n"),
+                          HasSubstr(m_home.Path("log/zrhttpbase3.log") + "\n")));
+        EXPECT_EQ(m_home.ReadFile("files/list.pdf"), "an older one");
+        EXPECT_THAT(Files(), ElementsAre("list.pdf"));
+        EXPECT_THAT(
+            Run(form, m_server.Url("/list"), "/dev/full").error,
+            HasSubstr("Attempt to write file /dev/full failed with error There is not enough "
+                      "space on the disk.\n"));
+    }
+    const auto run = Run({"--json"}, "http://127.0.0.1:1/list", Target());
+    EXPECT_EQ(json::parse(run.output)["complete"], false);
+}
+
+TEST_F(DownloadCommand, RefusesWhatCannotBe) {
+    ASSERT_EQ(mkfifo(m_home.Path("pipe").c_str(), 0600), 0);
+    for (const auto& form : kForms) {
+        for (const char* url : {"", "list.pdf", "//bank.test/", "ftp://bank.test/", "http://",
+                                "http://ba nk.test/", "file:///etc/passwd"}) {
+            const auto run = Run(form, url, Target());
+            EXPECT_EQ(run.exitStatus, 2) << url;
+            EXPECT_THAT(run.error, StartsWith("zrhttp: URL: ")) << url;
+        }
+        for (const std::string& file :
+             {m_home.Path("files"), m_home.Path("missing/list"), m_home.Path("pipe")}) {
+            const auto run = Run(form, m_server.Url("/list"), file);
+            EXPECT_EQ(run.exitStatus, 1) << file;
+            EXPECT_THAT(run.error, StartsWith("zrhttp: cannot write '" + file + "': "));
+        }
+        EXPECT_EQ(Run(form, m_server.Url("/list"), "").error, "zrhttp: FILE: is empty\n");
+    }
+    EXPECT_THAT(Files(), IsEmpty());
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+}
+
+TEST_F(DownloadCommand, InterruptStopsAndKeepsNothing) {
+    Answer halting = Bytes("application/pdf", "");
+    halting.pieces = {m_content, m_content};
+    halting.pieceGate = std::make_shared<Gate>();
+    m_server.Set("/halting", halting);
+    for (const auto& form : kForms) {
+        const std::size_t before = m_server.Requests("/halting").size();
+        std::vector<std::string> arguments{"download", "--json", m_server.Url("/halting"),
+                                           Target()};
+        arguments.insert(arguments.end(), form.begin(), form.end());
+        ToolProcess tool(arguments);
+        while (m_server.Requests("/halting").size() == before)
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        tool.Signal(SIGINT);
+        const ToolRun run = tool.Wait();
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.error, HasSubstr("zrhttp: the download was stopped; nothing is kept\n"));
+        EXPECT_EQ(json::parse(run.output)["stopped"], true);
+        EXPECT_THAT(Files(), IsEmpty());
+    }
+    halting.pieceGate->Open();
+}
+
+TEST_F(DownloadCommand, ShowsABarOnATerminal) {
+    Answer slow = Bytes("application/pdf", "");
+    slow.pieces = {std::string(30'000, 'x'), std::string(70'000, 'x')};
+    slow.pieceGate = std::make_shared<Gate>();
+    m_server.Set("/slow", slow);
+    std::thread opener([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        slow.pieceGate->Open();
+    });
+    const auto run =
+        RunToolOnTerminal({"download", "--background", m_server.Url("/slow"), Target()});
+    opener.join();
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_THAT(run.output, HasSubstr("[#######.................]  30 %  30.0 kB  "));
+    EXPECT_THAT(run.output, testing::ContainsRegex("kB/s  0:0[0-9] left"));
+    EXPECT_TRUE(run.output.ends_with("\r\033[K")) << "the bar is removed";
+}
+
+TEST(ReasonsCommand, PrintsThemInTheTerminalsEncoding) {
+    const ScopedVariable locale("LC_ALL", "C.UTF-8");
+    EXPECT_THAT(RunTool({"reasons", "1"}).output,
+                AllOf(StartsWith("Mögliche Ursachen:\n- Keine Verbindung ins Internet\n"),
+                      HasSubstr("CleanMyPC, Companion usw.)\n")));
+    EXPECT_THAT(RunTool({"reasons", "2"}).output, Not(HasSubstr("Keine Verbindung")));
+    for (const char* kind : {"0", "3", "x"})
+        EXPECT_EQ(RunTool({"reasons", kind}).exitStatus, 2) << kind;
+}
+
+TEST(AutodialCommand, ShowsAndSwitchesTheSetting) {
+    const TemporaryHome home;
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"autodial"}, {"autodial", "on"}}) {
+        const auto run = RunTool(command);
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.error, HasSubstr("the automatic dial-up setting is not there"));
+    }
+    const BYTE off[4] = {};
+    CZrCbRegistry::SetRegistryKeyValueBinary(
+        HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings",
+        "EnableAutodial", off, sizeof off, KEY_WRITE);
+    EXPECT_EQ(RunTool({"autodial"}).output, "off\n");
+    EXPECT_EQ(RunTool({"autodial", "on"}).output, "on\n");
+    EXPECT_EQ(RunTool({"autodial"}).output, "on\n");
+    EXPECT_EQ(RunTool({"autodial", "off"}).output, "off\n");
+    EXPECT_EQ(RunTool({"autodial", "maybe"}).exitStatus, 2);
+}
+
+} // namespace
