@@ -1,10 +1,12 @@
 #include "ChildProcess.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <stdexcept>
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -42,10 +44,17 @@ pid_t Start(const std::vector<std::string>& arguments, const FileActions& action
     return process;
 }
 
-void WaitFor(pid_t process, const std::string& name) {
+rusage WaitFor(pid_t process, const std::string& name) {
     int status = 0;
-    if (::waitpid(process, &status, 0) != process || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
+    rusage use{};
+    if (::wait4(process, &status, 0, &use) != process || !WIFEXITED(status) ||
+        WEXITSTATUS(status) != 0)
         throw std::runtime_error(name + " has failed");
+    return use;
+}
+
+double Milliseconds(const timeval& time) {
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) * 1e-3;
 }
 
 } // namespace
@@ -59,6 +68,15 @@ void RunProgram(const std::vector<std::string>& arguments, const std::string& in
     actions.Open(STDIN_FILENO, inputFile.empty() ? "/dev/null" : inputFile, O_RDONLY);
     actions.Open(STDOUT_FILENO, "/dev/null", O_WRONLY);
     WaitFor(Start(arguments, actions), arguments[0]);
+}
+
+ProgramUse RunMeasured(const std::vector<std::string>& arguments) {
+    FileActions actions;
+    actions.Open(STDIN_FILENO, "/dev/null", O_RDONLY);
+    const auto begin = std::chrono::steady_clock::now();
+    const rusage use = WaitFor(Start(arguments, actions), arguments[0]);
+    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - begin;
+    return {wall.count(), Milliseconds(use.ru_utime) + Milliseconds(use.ru_stime), use.ru_maxrss};
 }
 
 std::string OutputOf(const std::vector<std::string>& arguments) {

@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-constexpr long kReceiveBufferBytes = ReadAhead::kCapacity;
+constexpr long kReceiveBufferBytes = ReadAhead::kCapacity / 2;
 constexpr long kPasswordSchemes = static_cast<long>(CURLAUTH_BASIC | CURLAUTH_DIGEST);
 constexpr int kUnauthorized = 401;
 constexpr int kProxyUnauthorized = 407;

@@ -11,8 +11,9 @@ namespace platform {
 // Takes memory when the first bytes come, and never more.
 class ReadAhead {
 public:
-    // Large pieces cost few system calls; larger ones no longer stay in the processor's cache.
-    static constexpr std::size_t kCapacity = 64 * 1024;
+    // Room for two of what is received at a time: a transfer that goes on behind a pause brings
+    // what had to wait and a new piece, and what has to wait is copied once more.
+    static constexpr std::size_t kCapacity = 256 * 1024;
 
     bool IsEmpty() const { return m_begin == m_end; }
     std::string_view View() const { return {m_bytes.get() + m_begin, m_end - m_begin}; }

@@ -1,9 +1,9 @@
 #include "zrhttp/Download.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <optional>
 #include <thread>
 
@@ -86,17 +86,16 @@ DownloadEnd EndOf(bool isComplete) {
 
 // Looks at the file, and for Ctrl-C, while the library's blocking call has this thread.
 DownloadEnd DownloadHere(CZrHbInet& inet, const CString& url, const PartialFile& file) {
-    std::atomic<bool> isOver{false};
-    std::thread watcher([&] {
+    std::promise<void> over;
+    std::thread watcher([&, hasEnded = over.get_future()] {
         TransferProgress progress;
-        while (!isOver) {
+        while (hasEnded.wait_for(kLook) == std::future_status::timeout) {
             if (Interrupt::IsRequested()) inet.StopDownloadFile();
             progress.Update(file.Length(), std::nullopt);
-            std::this_thread::sleep_for(kLook);
         }
     });
     const int isComplete = inet.DownloadFile(url, CString(std::string_view(file.Name())));
-    isOver = true;
+    over.set_value();
     watcher.join();
     return EndOf(isComplete != 0);
 }
