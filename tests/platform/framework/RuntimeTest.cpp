@@ -32,8 +32,8 @@ TEST(Exceptions, TellWhatHappened) {
               "a.txt: There is not enough space on the disk.");
 }
 
-constexpr StringResource kFirst[] = {{1, "one"}, {2, "zw\xC3\xB6lf"}};
-constexpr StringResource kSecond[] = {{1, "uno"}, {2, ""}};
+constexpr StringResource kFirst[] = {{1001, "one"}, {1002, "zw\xC3\xB6lf"}};
+constexpr StringResource kSecond[] = {{1001, "uno"}, {1002, ""}};
 
 class Resources : public testing::Test {
 protected:
@@ -49,17 +49,17 @@ protected:
 };
 
 TEST_F(Resources, AreFoundInTheNewestModuleThatHasThem) {
-    EXPECT_EQ(Load(1), "");
+    EXPECT_EQ(Load(1001), "");
     const CDynLinkLibrary firstLoaded(first);
     {
         const CDynLinkLibrary secondLoaded(second);
-        EXPECT_EQ(Load(1), "uno");
-        EXPECT_EQ(Load(2), "zw\xF6lf") << "an empty text does not hide another module's";
+        EXPECT_EQ(Load(1001), "uno");
+        EXPECT_EQ(Load(1002), "zw\xF6lf") << "an empty text does not hide another module's";
         const CDynLinkLibrary firstAgain(first);
-        EXPECT_EQ(Load(1), "one");
+        EXPECT_EQ(Load(1001), "one");
     }
-    EXPECT_EQ(Load(1), "one");
-    EXPECT_EQ(Load(3), "");
+    EXPECT_EQ(Load(1001), "one");
+    EXPECT_EQ(Load(1003), "");
 }
 
 TEST_F(Resources, MayBeLoadedWhileModulesComeAndGo) {
@@ -69,7 +69,7 @@ TEST_F(Resources, MayBeLoadedWhileModulesComeAndGo) {
             const CDynLinkLibrary secondLoaded(second);
     });
     for (int round = 0; round < 1000; ++round)
-        EXPECT_EQ(Load(2), "zw\xF6lf");
+        EXPECT_EQ(Load(1002), "zw\xF6lf");
     other.join();
 }
 
