@@ -3,7 +3,10 @@
 
 #include <vector>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CByteBuffer {
 public:
@@ -40,3 +43,5 @@ private:
     DWORD m_initial;
     DWORD m_grow;
 };
+
+ZRHB_EXPORT_END

@@ -2,6 +2,10 @@
 // registry value "EnableAutodial" of the Internet settings. Any thread.
 #pragma once
 
+#include <platform/Export.h>
+
+ZRHB_EXPORT_BEGIN
+
 class CZrHbAutoDial {
 public:
     // 1 on, 0 off, -1 when the value cannot be read.
@@ -13,3 +17,5 @@ public:
 private:
     virtual int ThisVirtualFunctionIsDefinedToAddVirtualMethodsTable() { return 0; }
 };
+
+ZRHB_EXPORT_END

@@ -8,9 +8,12 @@
 #pragma once
 
 #include <ZrHbFacade.h>
+#include <platform/Export.h>
 #include <platform/String.h>
 
 class CZrHbBrightrelayReply_Impl;
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbBrightrelayReply
     : public CZrHbFacade<CZrHbBrightrelayReply, CZrHbBrightrelayReply_Impl> {
@@ -47,3 +50,5 @@ public:
     // strErr becomes the last failure's text.
     int GetLastParserError(CString& strErr) const;
 };
+
+ZRHB_EXPORT_END

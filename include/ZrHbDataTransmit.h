@@ -14,9 +14,12 @@
 #pragma once
 
 #include <ZrHbFacade.h>
+#include <platform/Export.h>
 #include <platform/String.h>
 
 class CZrHbDataTransmit_Impl;
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbDataTransmit : public CZrHbFacade<CZrHbDataTransmit, CZrHbDataTransmit_Impl> {
 public:
@@ -85,3 +88,5 @@ public:
     // system error code, which becomes 0.
     CString GetLastError();
 };
+
+ZRHB_EXPORT_END

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <ZrAbAppGroup.h>
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbErrorHandling {
 public:
@@ -27,3 +30,5 @@ public:
 private:
     virtual int ThisVirtualFunctionIsDefinedToAddVirtualMethodsTable() { return 0; }
 };
+
+ZRHB_EXPORT_END

@@ -5,6 +5,10 @@
 #include <memory>
 #include <utility>
 
+#include <platform/Export.h>
+
+ZRHB_EXPORT_BEGIN
+
 // TFacade: the exported class. TImpl: its implementation object, complete only where the exported
 // class is implemented.
 template <class TFacade, class TImpl>
@@ -62,3 +66,5 @@ private:
     TImpl* m_pImpl = nullptr;
     int m_nCopyGuard = 0;
 };
+
+ZRHB_EXPORT_END

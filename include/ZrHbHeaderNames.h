@@ -2,6 +2,10 @@
 // header blocks.
 #pragma once
 
+#include <platform/Export.h>
+
+ZRHB_EXPORT_BEGIN
+
 namespace ZrHbHeader {
 
 inline constexpr const char* kAccept = "Accept";
@@ -55,3 +59,5 @@ inline constexpr const char* kWarning = "Warning";
 inline constexpr const char* kWWWAuthenticate = "WWW-Authenticate";
 
 } // namespace ZrHbHeader
+
+ZRHB_EXPORT_END

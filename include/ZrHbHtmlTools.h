@@ -4,7 +4,10 @@
 
 #include <ByteBuffer.h>
 #include <platform/Browser.h>
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbHtmlTools {
 public:
@@ -75,3 +78,5 @@ public:
 private:
     virtual int ThisVirtualFunctionIsDefinedToAddVirtualMethodsTable() { return 0; }
 };
+
+ZRHB_EXPORT_END

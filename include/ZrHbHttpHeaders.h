@@ -6,9 +6,12 @@
 #pragma once
 
 #include <ZrHbFacade.h>
+#include <platform/Export.h>
 #include <platform/String.h>
 
 class CZrHbHttpHeaders_Impl;
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbHttpHeaders : public CZrHbFacade<CZrHbHttpHeaders, CZrHbHttpHeaders_Impl> {
 public:
@@ -46,3 +49,5 @@ public:
     // the browser's own user-agent string, or "(compatible)". May start a browser to ask it.
     static CString GetVeltrumUserAgentValue();
 };
+
+ZRHB_EXPORT_END

@@ -7,9 +7,12 @@
 #pragma once
 
 #include <ZrHbFacade.h>
+#include <platform/Export.h>
 #include <platform/String.h>
 
 class CZrHbHttpString_Impl;
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbHttpString : public CZrHbFacade<CZrHbHttpString, CZrHbHttpString_Impl> {
 public:
@@ -28,3 +31,5 @@ public:
     // Removes all fields; returns how many there were.
     int Empty();
 };
+
+ZRHB_EXPORT_END

@@ -14,9 +14,12 @@
 #include <ZrAbAppGroup.h>
 #include <ZrHbFacade.h>
 #include <platform/CWnd.h>
+#include <platform/Export.h>
 #include <platform/String.h>
 
 class CZrHbInet_Impl;
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbInet : public CZrHbFacade<CZrHbInet, CZrHbInet_Impl> {
 public:
@@ -65,3 +68,5 @@ public:
     static CString GetReasonForCommunicationError(EZrAbAppGroup eGroup,
                                                   EZrHbErrorServerResponse eErrorServerResponse);
 };
+
+ZRHB_EXPORT_END

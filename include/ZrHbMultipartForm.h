@@ -10,7 +10,10 @@
 #pragma once
 
 #include <ByteBuffer.h>
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbMultipartForm {
 public:
@@ -58,3 +61,5 @@ public:
 private:
     virtual int ThisVirtualFunctionIsDefinedToAddVirtualMethodsTable() { return 0; }
 };
+
+ZRHB_EXPORT_END

@@ -1,7 +1,10 @@
 // Result codes of the page getter and its browser back-ends (unsigned 32-bit).
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 constexpr DWORD ZRHB_OK = 0;
 constexpr DWORD ZRHB_STILL_LOADING = 10;      // ask again
@@ -19,3 +22,5 @@ constexpr DWORD ZRHB_IDLE_TIMEOUT = 29;       // no new page started loading
 
 // POST length: the data is a NUL-terminated text whose length is to be taken.
 constexpr DWORD ZRHB_LENGTH_OF_TEXT = 0xFFFFFFFFu;
+
+ZRHB_EXPORT_END

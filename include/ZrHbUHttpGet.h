@@ -20,10 +20,13 @@
 #include <ZrHbFacade.h>
 #include <ZrHbResultCodes.h>
 #include <platform/Browser.h>
+#include <platform/Export.h>
 #include <platform/String.h>
 #include <platform/Time.h>
 
 class CZrHbUHttpGet_Impl;
+
+ZRHB_EXPORT_BEGIN
 
 class CZrHbUHttpGet : public CZrHbFacade<CZrHbUHttpGet, CZrHbUHttpGet_Impl> {
 public:
@@ -193,3 +196,5 @@ public:
 private:
     BOOL MAPI_IEIsProtectedModeURL(const CString& strUrl);
 };
+
+ZRHB_EXPORT_END

@@ -5,7 +5,10 @@
 #include <functional>
 #include <memory>
 
+#include <platform/Export.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -24,3 +27,5 @@ public:
 };
 
 } // namespace platform
+
+ZRHB_EXPORT_END

@@ -3,9 +3,12 @@
 
 #include <functional>
 
+#include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/Unknown.h>
 #include <platform/Variant.h>
+
+ZRHB_EXPORT_BEGIN
 
 struct IStream : IUnknown {
     static constexpr IID Iid{0x0000000C, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
@@ -103,3 +106,5 @@ BOOL AfxConnectionAdvise(IUnknown* pSource, REFIID iid, IUnknown* pSink, BOOL bR
                          DWORD* pdwCookie);
 BOOL AfxConnectionUnadvise(IUnknown* pSource, REFIID iid, IUnknown* pSink, BOOL bRefCount,
                            DWORD dwCookie);
+
+ZRHB_EXPORT_END

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <platform/Automation.h>
+#include <platform/Export.h>
+
+ZRHB_EXPORT_BEGIN
 
 constexpr CLSID CLSID_WebBrowser{
     0x8856F961, 0x340A, 0x11D0, {0xA9, 0x6B, 0x00, 0xC0, 0x4F, 0xD7, 0x05, 0xA2}};
@@ -100,3 +103,5 @@ protected:
     ~IHTMLDocument2() = default;
 };
 inline constexpr const IID& IID_IHTMLDocument2 = IHTMLDocument2::Iid;
+
+ZRHB_EXPORT_END

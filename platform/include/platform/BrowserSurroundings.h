@@ -1,7 +1,10 @@
 // What the browser engines find on this machine.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -14,3 +17,5 @@ CString ChromiumFileName();
 CString BrowserDisplayName();
 
 } // namespace platform
+
+ZRHB_EXPORT_END

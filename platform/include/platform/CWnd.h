@@ -2,7 +2,10 @@
 #pragma once
 
 #include <platform/Automation.h>
+#include <platform/Export.h>
 #include <platform/Window.h>
+
+ZRHB_EXPORT_BEGIN
 
 struct RECT {
     LONG left = 0;
@@ -60,3 +63,5 @@ private:
     HWND m_hWnd = nullptr;
     CComPtr<IDispatch> m_control;
 };
+
+ZRHB_EXPORT_END

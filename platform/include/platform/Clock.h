@@ -7,8 +7,11 @@
 #include <functional>
 #include <mutex>
 
+#include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -32,3 +35,5 @@ public:
 
 DWORD GetTickCount();
 void Sleep(DWORD dwMilliseconds);
+
+ZRHB_EXPORT_END

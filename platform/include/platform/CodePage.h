@@ -4,7 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -22,3 +25,5 @@ CString AnsiFromUtf8(std::string_view utf8);
 std::string Utf8FromAnsi(std::string_view ansi);
 
 } // namespace platform
+
+ZRHB_EXPORT_END

@@ -7,6 +7,9 @@
 #include <type_traits>
 
 #include <platform/Automation.h>
+#include <platform/Export.h>
+
+ZRHB_EXPORT_BEGIN
 
 // A target that has called EnableAutomation can be advised on a connection point. Its dispatch
 // object is counted on its own: connections may hold that longer than the target lives, and what
@@ -85,3 +88,5 @@ private:
 
     CComPtr<DispatchObject> m_dispatch;
 };
+
+ZRHB_EXPORT_END

@@ -5,7 +5,10 @@
 
 #include <string_view>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -23,3 +26,5 @@ void ReportDiagnostic(Severity severity, const char* pszSource, unsigned line,
 CString UrlForLog(std::string_view url);
 
 } // namespace platform
+
+ZRHB_EXPORT_END

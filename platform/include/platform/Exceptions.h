@@ -2,7 +2,10 @@
 // Delete() on it when done.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CException {
 public:
@@ -47,3 +50,5 @@ public:
 [[noreturn]] void AfxThrowOleException(HRESULT sc);
 [[noreturn]] void AfxThrowOleDispatchException(const CString& strDescription);
 [[noreturn]] void AfxThrowFileException(DWORD dwError, const CString& strFileName);
+
+ZRHB_EXPORT_END

@@ -3,7 +3,10 @@
 
 #include <cstdint>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CFile {
 public:
@@ -58,3 +61,5 @@ public:
 private:
     bool m_isText = false;
 };
+
+ZRHB_EXPORT_END

@@ -5,7 +5,14 @@
 
 #include <memory>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+namespace platform {
+class IniIndex;
+}
+
+ZRHB_EXPORT_BEGIN
 
 // The leading decimal number of the entry (with an optional "-"), 0 when it does not begin with
 // one, nDefault when file, section or key is missing.
@@ -29,8 +36,6 @@ BOOL WritePrivateProfileStringA(const char* pszSection, const char* pszKey, cons
 
 namespace platform {
 
-class IniIndex;
-
 // While it lives, what its thread reads from this file is what the file held when it was made.
 // Many reads of one file then take one look at it, and agree with each other. Not to be made for a
 // file that the thread writes meanwhile.
@@ -47,3 +52,5 @@ private:
 };
 
 } // namespace platform
+
+ZRHB_EXPORT_END

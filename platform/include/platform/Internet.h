@@ -4,8 +4,11 @@
 #include <atomic>
 #include <cstdint>
 
+#include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 using HINTERNET = void*;
 using DWORD_PTR = std::uintptr_t;
@@ -122,3 +125,5 @@ BOOL InternetGoOnline(const char* pszUrl, HWND hWndParent, DWORD dwFlags);
 // S_OK when the URL is absolute, well-formed (RFC 3986) and of a known scheme, else S_FALSE.
 // pContext is null, nReserved 0.
 HRESULT IsValidURL(void* pContext, const char16_t* pszUrl, DWORD nReserved);
+
+ZRHB_EXPORT_END

@@ -1,7 +1,10 @@
 // The calling thread's last system error.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 DWORD GetLastError();
 void SetLastError(DWORD dwError);
@@ -15,3 +18,5 @@ DWORD ErrorFromErrno(int nErrno);
 CString SystemErrorText(DWORD dwError);
 
 } // namespace platform
+
+ZRHB_EXPORT_END

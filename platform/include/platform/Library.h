@@ -2,8 +2,11 @@
 // for in the current directory only.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -23,3 +26,5 @@ HMODULE LoadLibraryA(const char* pszFileName);
 // Null when the library has no such export (ERROR_PROC_NOT_FOUND).
 FARPROC GetProcAddress(HMODULE hModule, const char* pszName);
 BOOL FreeLibrary(HMODULE hModule);
+
+ZRHB_EXPORT_END

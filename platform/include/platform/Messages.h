@@ -1,7 +1,10 @@
 // A message queue for each thread.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 struct MSG {
     HWND hwnd = nullptr;
@@ -42,3 +45,5 @@ DWORD MsgWaitForMultipleObjects(DWORD nCount, const void* pHandles, BOOL bWaitAl
 // change), or had it dispatched, since the last call; at most dwMilliseconds. TRUE for news. Other
 // messages do not end the wait.
 BOOL WaitForApartmentNews(DWORD dwMilliseconds);
+
+ZRHB_EXPORT_END

@@ -1,8 +1,11 @@
 // Questions to the user.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 constexpr UINT MB_OK = 0x000;
 constexpr UINT MB_OKCANCEL = 0x001;
@@ -36,3 +39,5 @@ public:
 } // namespace platform
 
 int AfxMessageBox(const char* pszText, UINT nType = MB_OK);
+
+ZRHB_EXPORT_END

@@ -6,8 +6,11 @@
 #include <string>
 #include <vector>
 
+#include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 inline const HKEY HKEY_CLASSES_ROOT = reinterpret_cast<HKEY>(std::uintptr_t{0x80000000u});
 inline const HKEY HKEY_CURRENT_USER = reinterpret_cast<HKEY>(std::uintptr_t{0x80000001u});
@@ -58,3 +61,5 @@ public:
 LONG RegOpenKeyExA(HKEY hKey, const char* pszSubKey, DWORD dwOptions, REGSAM samDesired,
                    HKEY* phkResult);
 LONG RegCloseKey(HKEY hKey);
+
+ZRHB_EXPORT_END

@@ -3,7 +3,10 @@
 
 #include <span>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 // One entry of a module's string table. The text is UTF-8 and is converted to the ANSI code page
 // when it is loaded.
@@ -38,3 +41,5 @@ struct AFX_MODULE_STATE {
     CString m_strCurrentAppName; // file name of the running program
 };
 AFX_MODULE_STATE* AfxGetModuleState();
+
+ZRHB_EXPORT_END

@@ -4,6 +4,10 @@
 
 #include <atomic>
 
+#include <platform/Export.h>
+
+ZRHB_EXPORT_BEGIN
+
 namespace platform {
 
 // The installed service; it starts as the real one. One slot a service for the whole process.
@@ -47,3 +51,5 @@ private:
 };
 
 } // namespace platform
+
+ZRHB_EXPORT_END

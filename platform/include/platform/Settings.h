@@ -6,7 +6,10 @@
 
 #include <vector>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -21,3 +24,5 @@ Setting GetSetting(const char* pszName);
 std::vector<Setting> AllSettings();
 
 } // namespace platform
+
+ZRHB_EXPORT_END

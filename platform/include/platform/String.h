@@ -7,7 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include <platform/Export.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CString {
 public:
@@ -93,3 +96,5 @@ public:
 private:
     std::vector<CString> m_items;
 };
+
+ZRHB_EXPORT_END

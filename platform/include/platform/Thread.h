@@ -4,8 +4,11 @@
 #include <functional>
 #include <memory>
 
+#include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 constexpr DWORD WAIT_ABANDONED = 0x80;
 constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
@@ -34,3 +37,5 @@ public:
 };
 
 } // namespace platform
+
+ZRHB_EXPORT_END

@@ -4,7 +4,10 @@
 #include <compare>
 #include <cstdint>
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 class CTimeSpan {
 public:
@@ -35,3 +38,5 @@ public:
 private:
     std::int64_t m_seconds = 0;
 };
+
+ZRHB_EXPORT_END

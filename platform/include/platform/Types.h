@@ -3,6 +3,10 @@
 
 #include <cstdint>
 
+#include <platform/Export.h>
+
+ZRHB_EXPORT_BEGIN
+
 using BOOL = std::int32_t;
 using BYTE = std::uint8_t;
 using WORD = std::uint16_t;
@@ -68,3 +72,5 @@ constexpr DWORD ERROR_BUSY = 170;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_MORE_DATA = 234;
 constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
+
+ZRHB_EXPORT_END

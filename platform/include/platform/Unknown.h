@@ -7,7 +7,10 @@
 #include <tuple>
 #include <utility>
 
+#include <platform/Export.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 struct GUID {
     std::uint32_t data1 = 0;
@@ -132,3 +135,5 @@ CComPtr<T> MakeObject(TArguments&&... arguments) {
     object.Attach(new T(std::forward<TArguments>(arguments)...));
     return object;
 }
+
+ZRHB_EXPORT_END

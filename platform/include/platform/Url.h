@@ -1,7 +1,10 @@
 // Taking URLs apart (RFC 3986).
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 constexpr DWORD AFX_INET_SERVICE_HTTP = 3;
 constexpr DWORD AFX_INET_SERVICE_UNK = 0x1000;
@@ -12,3 +15,5 @@ constexpr DWORD AFX_INET_SERVICE_HTTPS = 0x100B;
 // own when the URL names none). FALSE, with empty parts, when the text is no absolute URL.
 BOOL AfxParseURL(const char* pszURL, DWORD& dwServiceType, CString& strServer, CString& strObject,
                  WORD& nPort);
+
+ZRHB_EXPORT_END

@@ -1,7 +1,10 @@
 // Options of the process's use of URLs.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/Types.h>
+
+ZRHB_EXPORT_BEGIN
 
 constexpr DWORD URLMON_OPTION_USERAGENT = 0x10000001;
 
@@ -11,3 +14,5 @@ constexpr DWORD URLMON_OPTION_USERAGENT = 0x10000001;
 // to ask it. nReserved is 0. Any thread that may use the browser.
 HRESULT UrlMkGetSessionOption(DWORD dwOption, void* pBuffer, DWORD nSize, DWORD* pLength,
                               DWORD nReserved);
+
+ZRHB_EXPORT_END

@@ -5,7 +5,10 @@
 // environment is read at every call. Directories are made (mode 0700) by whoever first writes.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 namespace platform {
 
@@ -27,3 +30,5 @@ bool MakeDirectory(const CString& strPath);
 bool IsReadableDirectory(const CString& strPath);
 
 } // namespace platform
+
+ZRHB_EXPORT_END

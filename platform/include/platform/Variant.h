@@ -4,8 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include <platform/Export.h>
 #include <platform/String.h>
 #include <platform/Unknown.h>
+
+ZRHB_EXPORT_BEGIN
 
 using OLECHAR = char16_t;
 // UTF-16 text with its length kept before it; NUL characters may be part of it. Null is the empty
@@ -130,3 +133,5 @@ protected:
     ~IDispatch() = default;
 };
 inline constexpr const IID& IID_IDispatch = IDispatch::Iid;
+
+ZRHB_EXPORT_END

@@ -2,9 +2,12 @@
 // goes away with that thread at the latest.
 #pragma once
 
+#include <platform/Export.h>
 #include <platform/Messages.h>
 #include <platform/Services.h>
 #include <platform/String.h>
+
+ZRHB_EXPORT_BEGIN
 
 using WNDPROC = LRESULT (*)(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 
@@ -70,3 +73,5 @@ HWND GetForegroundWindow();
 HWND SetActiveWindow(HWND hWnd);
 HWND GetActiveWindow();
 HWND GetParent(HWND hWnd);
+
+ZRHB_EXPORT_END

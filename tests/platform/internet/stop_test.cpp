@@ -26,9 +26,9 @@ std::atomic<int> s_lookUps{0}; // of the slow name, under way
 
 } // namespace
 
-// The transfer library calls this one: a program's own functions come before those of libraries.
-extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints,
-                           addrinfo** result) {
+// The transfer library calls this one: what a program shows comes before what libraries have.
+extern "C" __attribute__((visibility("default"))) int
+getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
     static const auto next =
         reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
     if (!node || std::strcmp(node, kSlowName) != 0) return next(node, service, hints, result);

@@ -1,0 +1,66 @@
+# What is installed, in three components: the shared library, what building against it needs, and
+# the tool; and the Debian package of each.
+include(CMakePackageConfigHelpers)
+
+set(HEADER_DIR ${CMAKE_INSTALL_INCLUDEDIR}/zrhttpbase3)
+set(PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ZrHttpBase3)
+
+install(TARGETS ZrHttpBase3_shared EXPORT ZrHttpBase3
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+install(TARGETS ZrMwMApiWrapper
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zrhttpbase3 COMPONENT runtime)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ ${PROJECT_SOURCE_DIR}/platform/include/
+  DESTINATION ${HEADER_DIR} COMPONENT development FILES_MATCHING PATTERN "*.h")
+install(EXPORT ZrHttpBase3 NAMESPACE ZrHttpBase3:: FILE ZrHttpBase3Config.cmake
+  DESTINATION ${PACKAGE_DIR} COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZrHttpBase3ConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+# The file finds the rest from where it lies itself, wherever it is installed.
+file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/zrhttpbase3.pc.in ${PROJECT_BINARY_DIR}/zrhttpbase3.pc
+  @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ZrHttpBase3ConfigVersion.cmake
+  DESTINATION ${PACKAGE_DIR} COMPONENT development)
+install(FILES ${PROJECT_BINARY_DIR}/zrhttpbase3.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+set(PAGES ${PROJECT_BINARY_DIR}/pages)
+install(TARGETS zrhttp RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+install(FILES ${PAGES}/zrhttp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+install(FILES ${PAGES}/zrhttp.bash RENAME zrhttp
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
+install(FILES ${PAGES}/_zrhttp
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tool)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME zrhttpbase3)
+set(CPACK_PACKAGE_VENDOR "ZrHttpBase3 developers")
+set(CPACK_PACKAGE_CONTACT "ZrHttpBase3 developers <zrhttpbase3@example.org>")
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development tool)
+set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libzrhttpbase3-${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS chromium)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libzrhttpbase3-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_TOOL_PACKAGE_NAME zrhttp)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION web)
+
+include(CPack)
+cpack_add_component(runtime
+  DESCRIPTION "HTTP base library of an e-banking client\n Fetches and submits pages through a browser, downloads files, composes forms and\n takes replies apart.")
+cpack_add_component(development DEPENDS runtime
+  DESCRIPTION "HTTP base library of an e-banking client: headers\n What building against the library needs, with a CMake package and a pkg-config file.")
+cpack_add_component(tool DEPENDS runtime
+  DESCRIPTION "Command-line tool of an e-banking client's HTTP base library\n Fetches and submits pages, downloads files, composes forms and reads replies.")

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Makes the Debian packages, installs them into an empty tree, builds a consumer against that tree
+# by CMake and by pkg-config, runs it and the tool, removes the packages: nothing may be left.
+#
+# usage: install_test.sh BUILD-FOLDER
+set -euo pipefail
+build=$1
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+root=$work/root
+
+fail() {
+  echo "install_test: $*" >&2
+  exit 1
+}
+
+manage() { # DPKG ARGUMENT...
+  dpkg --root="$root" --log="$work/dpkg.log" --force-depends --force-not-root \
+    --force-script-chrootless "$@" >"$work/out" 2>&1 || fail "dpkg $1: $(cat "$work/out")"
+}
+
+own_files() {
+  find "$root" ! -type d ! -path "$root/var/lib/dpkg/*"
+}
+
+(cd "$build" && cpack -B "$work/packages" >"$work/out" 2>&1) || fail "cpack: $(cat "$work/out")"
+mkdir -p "$root"/var/lib/dpkg/{updates,info}
+touch "$root"/var/lib/dpkg/{status,available}
+manage --install "$work"/packages/*.deb
+[[ $(own_files | wc -l) -gt 40 ]] || fail "too little is installed: $(own_files)"
+
+library=$(dirname "$(find "$root" -name libZrHttpBase3.so)")
+export LD_LIBRARY_PATH=$library ZRHTTP_HOME=$work/home
+cmake -S "$here/consumer" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$root/usr" >"$work/out" 2>&1 &&
+  cmake --build "$work/cmake" >>"$work/out" 2>&1 || fail "by CMake: $(cat "$work/out")"
+flags=$(PKG_CONFIG_PATH=$library/pkgconfig pkg-config --cflags --libs zrhttpbase3)
+# shellcheck disable=SC2086
+c++ -std=c++20 "$here/consumer/main.cpp" $flags -o "$work/consumer" || fail "by pkg-config"
+for consumer in "$work/cmake/consumer" "$work/consumer"; do
+  [[ $("$consumer") == $'X-Client: 3\r\n\r' ]] || fail "$consumer prints $("$consumer" | od -c)"
+done
+
+"$root/usr/bin/zrhttp" version >/dev/null || fail "the tool does not run"
+man -l --warnings "$root/usr/share/man/man1/zrhttp.1" 2>&1 >/dev/null | grep . &&
+  fail "the man page is malformed"
+bash -n "$root/usr/share/bash-completion/completions/zrhttp"
+
+manage --purge zrhttp libzrhttpbase3-dev libzrhttpbase3-3
+[[ -z $(own_files) ]] || fail "left behind: $(own_files)"
