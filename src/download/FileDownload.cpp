@@ -186,14 +186,17 @@ DownloadResult FileDownload::ReadFileFromInternet() const {
     const DWORD length = ContentLength(m_reply.get());
     ProgressReport progress(m_request.window, length);
     std::uint64_t total = 0;
-    char piece[kPiece];
     DWORD count = 0;
-    while (InternetReadFile(m_reply.get(), piece, kPiece, &count) && count > 0) {
+    for (;;) {
+        char* const piece = file.Room(kPiece);
+        if (!piece) return failToWrite();
+        if (!InternetReadFile(m_reply.get(), piece, kPiece, &count) || count == 0) break;
         if (IsStopRequested()) return DownloadResult::stopped;
         total += count;
         progress.Advance(total);
+        file.Keep(count);
         // After a short piece the server may take its time.
-        if (!file.Write({piece, count}) || (count < kPiece && !file.Flush())) return failToWrite();
+        if (count < kPiece && !file.Flush()) return failToWrite();
     }
     if (IsStopRequested()) return DownloadResult::stopped;
     progress.Finish(total);

@@ -1,6 +1,6 @@
 #include "download/TargetFile.h"
 
-#include <memory>
+#include <utility>
 
 #include <platform/Exceptions.h>
 #include <platform/LastError.h>
@@ -18,14 +18,13 @@ struct DeleteException {
 bool TargetFile::Open(const CString& strFile) {
     m_isOpen = m_file.Open(strFile, CFile::modeCreate | CFile::modeWrite) != FALSE;
     if (!m_isOpen) m_error = platform::SystemErrorText(GetLastError());
-    if (m_isOpen) m_pending.reserve(kCollected);
+    if (m_isOpen) m_pending = std::make_unique_for_overwrite<char[]>(kCollected);
     return m_isOpen;
 }
 
-bool TargetFile::Write(std::string_view bytes) {
-    if (m_pending.size() + bytes.size() > kCollected && !Flush()) return false;
-    m_pending += bytes;
-    return true;
+char* TargetFile::Room(std::size_t size) {
+    if (m_length + size > kCollected && !Flush()) return nullptr;
+    return m_pending.get() + m_length;
 }
 
 bool TargetFile::Close() {
@@ -36,11 +35,8 @@ bool TargetFile::Close() {
 }
 
 bool TargetFile::Flush() {
-    if (m_pending.empty()) return true;
-    const bool isWritten =
-        Try([this] { m_file.Write(m_pending.data(), static_cast<UINT>(m_pending.size())); });
-    m_pending.clear();
-    return isWritten;
+    const auto count = static_cast<UINT>(std::exchange(m_length, 0));
+    return count == 0 || Try([&] { m_file.Write(m_pending.get(), count); });
 }
 
 template <class TAction>

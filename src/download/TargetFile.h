@@ -1,8 +1,8 @@
 // The file that a download goes into.
 #pragma once
 
-#include <string>
-#include <string_view>
+#include <cstddef>
+#include <memory>
 
 #include <platform/File.h>
 
@@ -14,8 +14,11 @@ public:
 
     // Creates or empties the file.
     bool Open(const CString& strFile);
-    bool Write(std::string_view bytes);
-    // Nothing that was written is held back.
+    // Room for that many bytes; null when what stood in its place cannot be written.
+    char* Room(std::size_t size);
+    // The first of what was put into the room belong to the file.
+    void Keep(std::size_t count) { m_length += count; }
+    // Nothing that was kept is held back.
     bool Flush();
     bool Close();
     const CString& Error() const { return m_error; }
@@ -25,7 +28,8 @@ private:
     bool Try(TAction action);
 
     CFile m_file;
-    std::string m_pending;
+    std::unique_ptr<char[]> m_pending;
+    std::size_t m_length = 0; // of it
     CString m_error;
     bool m_isOpen = false;
 };
