@@ -1,11 +1,10 @@
 #include "contract/ChromiumPages.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <map>
 
 #include <unistd.h>
 
+#include "support/Processes.h"
 #include "support/PumpUntil.h"
 
 namespace test_support {
@@ -13,28 +12,10 @@ namespace {
 
 constexpr DWORD kNoTimeout = 0;
 
-std::string ContentOf(const std::string& fileName) {
-    std::ifstream file(fileName, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-pid_t ParentOf(pid_t process) {
-    const std::string status = ContentOf("/proc/" + std::to_string(process) + "/stat");
-    const std::size_t nameEnd = status.rfind(") ");
-    return nameEnd == std::string::npos ? 0 : std::atoi(status.c_str() + nameEnd + 4);
-}
-
-bool IsOurs(pid_t process) {
-    while (process > 1 && process != ::getpid())
-        process = ParentOf(process);
-    return process == ::getpid();
-}
-
-bool IsBrowser(pid_t process) {
-    const std::string line = ContentOf("/proc/" + std::to_string(process) + "/cmdline");
-    return line.find("--user-data-dir=/") != std::string::npos &&
-           line.find("/zrhttp-chromium-") != std::string::npos &&
-           line.find("--type=") == std::string::npos && !line.starts_with("/bin/sh");
+bool IsBrowser(const Process& process) {
+    return process.HasInCommandLine("--user-data-dir=/") &&
+           process.HasInCommandLine("/zrhttp-chromium-") && !process.HasInCommandLine("--type=") &&
+           !process.commandLine.starts_with("/bin/sh");
 }
 
 } // namespace
@@ -100,12 +81,18 @@ std::string ChromiumPages::StatusText() {
 }
 
 std::vector<pid_t> RunningChromiums() {
+    const std::vector<Process> all = AllProcesses();
+    std::map<pid_t, pid_t> parents;
+    for (const Process& process : all)
+        parents[process.id] = process.parent;
+    const auto isOurs = [&](pid_t process) {
+        while (process > 1 && process != ::getpid())
+            process = parents[process];
+        return process == ::getpid();
+    };
     std::vector<pid_t> found;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc", error))
-        if (const pid_t process = std::atoi(entry.path().filename().c_str());
-            process > 0 && IsBrowser(process) && IsOurs(process))
-            found.push_back(process);
+    for (const Process& process : all)
+        if (IsBrowser(process) && isOurs(process.id)) found.push_back(process.id);
     return found;
 }
 

@@ -7,6 +7,13 @@
 #include "browser/chromium/ChromiumPage.h"
 
 namespace platform {
+namespace {
+
+// A renderer tells of the end over another way than the bytes take, and may be a step ahead.
+constexpr int kMaxAsksAtEnd = 100;
+constexpr const char* kReplacementCharacter = "\xEF\xBF\xBD";
+
+} // namespace
 
 void DocumentSource::Begin(ChromiumPage& page, const std::string& session,
                            std::function<void()> onChange) {
@@ -21,7 +28,7 @@ void DocumentSource::Ask() {
     const auto page = m_page.lock();
     if (!page) return;
     m_state = State::asked;
-    m_isAskedAtEnd = m_isFinished;
+    if (m_isFinished) ++m_asksAtEnd;
     page->SendTo(m_session, "Network.getResponseBody", {{"requestId", m_request}},
                  [self = shared_from_this()](DevToolsReply& reply) {
                      self->OnAnswer(reply.result, reply.IsOk());
@@ -30,18 +37,32 @@ void DocumentSource::Ask() {
 
 void DocumentSource::OnAnswer(const Json& result, bool isOk) {
     if (IsSettled()) return; // streamed to the end meanwhile, or stopped
-    if (isOk) {
-        std::string body = TextOf(result, "body");
-        m_body->Replace(IsTrue(result, "base64Encoded") ? DecodeBase64(body) : std::move(body));
-        m_state = State::whole;
-    } else if (m_isAskedAtEnd) {
+    if (isOk) return TakeBody(result);
+    if (m_asksAtEnd >= kMaxAsksAtEnd) {
         m_state = State::lost;
-    } else {
-        m_state = State::refused;
-        if (m_isFinished) return Ask();
-        AskForStream();
-        return;
+        return Changed();
     }
+    m_state = State::refused;
+    if (m_isFinished) return Ask();
+    AskForStream();
+}
+
+void DocumentSource::TakeBody(const Json& result) {
+    std::string body = TextOf(result, "body");
+    const bool isEncoded = IsTrue(result, "base64Encoded");
+    m_hasReplacements = !isEncoded && body.find(kReplacementCharacter) != std::string::npos;
+    m_body->Replace(isEncoded ? DecodeBase64(body) : std::move(body));
+    m_state = isEncoded ? State::whole : State::unverified;
+    if (m_state == State::unverified && m_isFinished) return Verify();
+    Changed();
+}
+
+// A renderer answers in the browser's place when it is the faster one, with decoded text. That is
+// longer or shorter than what was received, or has replacement characters for what was no text.
+void DocumentSource::Verify() {
+    const bool isDoubtful = m_hasReplacements || m_body->Size() != m_announced;
+    if (isDoubtful && m_asksAtEnd < kMaxAsksAtEnd) return Ask();
+    m_state = State::whole;
     Changed();
 }
 
@@ -77,6 +98,7 @@ void DocumentSource::OnData(const Json& params) {
 
 void DocumentSource::OnFinished() {
     m_isFinished = true;
+    if (m_state == State::unverified) return Verify();
     if (m_state != State::refused) return;
     if (m_stream != Stream::running || m_body->Size() != m_announced) return Ask();
     m_state = State::whole;

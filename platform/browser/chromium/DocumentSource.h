@@ -40,11 +40,13 @@ public:
     void OnFinished();
 
 private:
-    enum class State { idle, asked, refused, whole, lost };
+    enum class State { idle, asked, refused, unverified, whole, lost };
     enum class Stream { none, asked, running };
 
     void Ask();
     void OnAnswer(const Json& result, bool isOk);
+    void TakeBody(const Json& result);
+    void Verify();
     void AskForStream();
     void OnStreaming(const Json& result, bool isOk);
     void Changed() const;
@@ -59,7 +61,8 @@ private:
     std::string m_early;         // streamed bytes that came ahead of those before them
     std::size_t m_announced = 0; // bytes that the browser has received
     bool m_isFinished = false;
-    bool m_isAskedAtEnd = false;
+    bool m_hasReplacements = false;
+    int m_asksAtEnd = 0;
 };
 
 } // namespace platform

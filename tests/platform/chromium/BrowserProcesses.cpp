@@ -78,8 +78,9 @@ bool BrowserProcesses::HasListeningSocket() const {
     for (const pid_t process : All()) {
         std::error_code error;
         const std::string folder = "/proc/" + std::to_string(process) + "/fd";
-        for (const auto& entry : std::filesystem::directory_iterator(folder, error))
-            if (listening.count(std::filesystem::read_symlink(entry.path(), error).string()))
+        std::filesystem::directory_iterator entry(folder, error);
+        for (; entry != std::filesystem::directory_iterator(); entry.increment(error))
+            if (listening.count(std::filesystem::read_symlink(entry->path(), error).string()))
                 return true;
     }
     return false;
