@@ -22,7 +22,7 @@ struct Kind {
     const char* name;
     const char* engine;
     CZrHbUHttpGet::EZrHbInterfaceVariant variant;
-    const char* serverUrl; // with one, the browser is an application
+    const char* legacySystem; // on such a one, the browser is an application
 };
 
 class GettersOnThreads : public testing::TestWithParam<Kind> {
@@ -32,8 +32,7 @@ protected:
         CZrHbUHttpGet getter(eAppGroup_2);
         CString error;
         ASSERT_EQ(getter.ConnectV3(GetDesktopWindow(), error, GetParam().variant,
-                                   CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "",
-                                   GetParam().serverUrl, 0, 0),
+                                   CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "", "", 0, 0),
                   ZRHB_OK)
             << error.GetString();
         getter.SetSecurityTimeout(0);
@@ -60,7 +59,7 @@ protected:
     const ScopedVariable m_control{"ZRHTTP_CONTROL", GetParam().engine};
     const ScopedVariable m_application{"ZRHTTP_APPLICATION", GetParam().engine};
     const ScopedVariable m_headless{"ZRHTTP_HEADLESS", "1"};
-    const ScopedVariable m_system{"ZRHTTP_LEGACY_SYSTEM", "1"}; // where pages open out of process
+    const ScopedVariable m_system{"ZRHTTP_LEGACY_SYSTEM", GetParam().legacySystem};
     TestServer m_server;
 };
 
@@ -77,10 +76,9 @@ TEST_P(GettersOnThreads, FetchTheirOwnPages) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, GettersOnThreads,
-    testing::Values(Kind{"InProcess_builtin", "builtin", CZrHbUHttpGet::eVisible, ""},
-                    Kind{"ControlHosting_builtin", "builtin", CZrHbUHttpGet::eInvisible, ""},
-                    Kind{"OutOfProcess_builtin", "builtin", CZrHbUHttpGet::eVisible, "http://h/"},
-                    Kind{"InProcess_chromium", "chromium", CZrHbUHttpGet::eVisible, ""},
-                    Kind{"OutOfProcess_chromium", "chromium", CZrHbUHttpGet::eVisible,
-                         "http://h/"}),
+    testing::Values(Kind{"InProcess_builtin", "builtin", CZrHbUHttpGet::eVisible, "0"},
+                    Kind{"ControlHosting_builtin", "builtin", CZrHbUHttpGet::eInvisible, "0"},
+                    Kind{"OutOfProcess_builtin", "builtin", CZrHbUHttpGet::eVisible, "1"},
+                    Kind{"InProcess_chromium", "chromium", CZrHbUHttpGet::eVisible, "0"},
+                    Kind{"OutOfProcess_chromium", "chromium", CZrHbUHttpGet::eVisible, "1"}),
     [](const auto& kind) { return std::string(kind.param.name); });

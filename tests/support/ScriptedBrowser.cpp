@@ -41,23 +41,22 @@ std::string Bytes(SAFEARRAY* array) {
 } // namespace
 
 HRESULT ScriptedDocument::QueryInterface(REFIID iid, void** ppObject) {
-    const bool isRefused =
-        (iid == IPersistStreamInit::Iid && failing.contains("IPersistStreamInit")) ||
-        (iid == IHTMLDocument2::Iid && failing.contains("IHTMLDocument2"));
+    const bool isRefused = (iid == IPersistStreamInit::Iid && Fails("IPersistStreamInit")) ||
+                           (iid == IHTMLDocument2::Iid && Fails("IHTMLDocument2"));
     if (!isRefused) return ComObject::QueryInterface(iid, ppObject);
     *ppObject = nullptr;
     return E_NOINTERFACE;
 }
 
 HRESULT ScriptedDocument::Save(IStream* pStream, BOOL) {
-    if (failing.contains("Save")) return E_FAIL;
+    if (Fails("Save")) return E_FAIL;
     ULONG written = 0;
     return pStream->Write(source.data(), static_cast<ULONG>(source.size()), &written);
 }
 
 HRESULT ScriptedDocument::get_body(IHTMLElement** ppBody) {
-    if (failing.contains("get_body")) return E_FAIL;
-    const std::string* html = failing.contains("get_outerHTML") ? nullptr : &outerHtml;
+    if (Fails("get_body")) return E_FAIL;
+    const std::string* html = Fails("get_outerHTML") ? nullptr : &outerHtml;
     *ppBody = MakeObject<ScriptedElement>(html).Detach();
     return S_OK;
 }
@@ -76,7 +75,7 @@ HRESULT ScriptedBrowser::Called(const std::string& call) {
     calls.push_back(call);
     if (const auto found = during.find(call); found != during.end())
         std::function<void()>(found->second)();
-    return failing.contains(call) ? E_FAIL : S_OK;
+    return Fails(call) ? E_FAIL : S_OK;
 }
 
 HRESULT ScriptedBrowser::Navigate2(VARIANT* url, VARIANT* flags, VARIANT*, VARIANT* post,
@@ -112,7 +111,7 @@ HRESULT ScriptedBrowser::get_Offline(VARIANT_BOOL* pOffline) {
 }
 
 HRESULT ScriptedBrowser::get_LocationURL(BSTR* pUrl) {
-    if (failing.contains("get_LocationURL")) return E_FAIL;
+    if (Fails("get_LocationURL")) return E_FAIL;
     *pUrl = CComBSTR(location).Detach();
     return S_OK;
 }
@@ -123,13 +122,13 @@ HRESULT ScriptedBrowser::get_HWND(LONG_PTR* pWindow) {
 }
 
 HRESULT ScriptedBrowser::get_Application(IDispatch** ppApplication) {
-    if (failing.contains("get_Application")) return E_FAIL;
+    if (Fails("get_Application")) return E_FAIL;
     *ppApplication = CComPtr<IDispatch>(Dispatch()).Detach();
     return S_OK;
 }
 
 HRESULT ScriptedBrowser::FindConnectionPoint(REFIID iid, IConnectionPoint** ppPoint) {
-    if (iid != DIID_DWebBrowserEvents2 || failing.contains("Events")) return CONNECT_E_NOCONNECTION;
+    if (iid != DIID_DWebBrowserEvents2 || Fails("Events")) return CONNECT_E_NOCONNECTION;
     *ppPoint = CComPtr<IConnectionPoint>(m_events).Detach();
     return S_OK;
 }

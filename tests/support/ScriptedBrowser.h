@@ -21,6 +21,7 @@ public:
     std::string outerHtml;
     // Calls that fail: "IPersistStreamInit", "IHTMLDocument2", "Save", "get_body", "get_outerHTML".
     std::set<std::string> failing;
+    std::function<bool(const std::string& call)> fails; // asked as well
 
     HRESULT QueryInterface(REFIID iid, void** ppObject) override;
     HRESULT Save(IStream* pStream, BOOL bClearDirty) override;
@@ -30,6 +31,9 @@ public:
     }
 
 private:
+    bool Fails(const std::string& call) const {
+        return failing.contains(call) || (fails && fails(call));
+    }
     void* FindOther(REFIID iid) override {
         return iid == IDispatch::Iid ? static_cast<IDispatch*>(this) : nullptr;
     }
@@ -50,7 +54,8 @@ public:
     LONG_PTR window = 0;
     // Names of calls that fail, for example "get_Busy".
     std::set<std::string> failing;
-    std::string failureText; // what Invoke reports with a failing call
+    std::function<bool(const std::string& call)> fails; // asked as well
+    std::string failureText;                            // what Invoke reports with a failing call
     // What happens inside a call, by its name.
     std::map<std::string, std::function<void()>> during;
 
@@ -94,6 +99,9 @@ public:
     HRESULT FindConnectionPoint(REFIID iid, IConnectionPoint** ppPoint) override;
 
 private:
+    bool Fails(const std::string& call) const {
+        return failing.contains(call) || (fails && fails(call));
+    }
     HRESULT Called(const std::string& call);
     HRESULT InvokeNavigate(const DISPPARAMS& params);
     HRESULT PutOffline(const DISPPARAMS& params);
