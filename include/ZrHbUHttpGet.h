@@ -185,11 +185,12 @@ public:
                    BOOL bLargeData, DWORD dwIdleTimeout, ReadCallback pfnCallback,
                    void* pCallbackContext);
 
-    // A step, or a waiting read, whose page is written to a file with CR LF line ends; the file is
-    // deleted before (TestReadSave: once an Open). 26 "Failed to write to file '%s'."; no partial
-    // file stays behind. The last argument of TestReadSave has no effect.
+    // A step whose page is written to a file with CR LF line ends; the file is deleted before, once
+    // an Open. 26 "Failed to write to file '%s'."; no partial file stays behind. bUnused has no
+    // effect.
     DWORD TestReadSave(const CString& strFileName, CString& strErr, DWORD& nLength, DWORD dwTimeout,
                        BOOL bUnused);
+    // A waiting read whose page is written to a file as above; the file is deleted before.
     DWORD BusyReadSave(const CString& strFileName, CString& strErr, DWORD dwTimeout,
                        BOOL bLargeData, ReadCallback pfnCallback, void* pCallbackContext);
 
