@@ -11,15 +11,22 @@ if(CCACHE)
   # Without these the cache takes nothing that uses precompiled headers.
   set(CMAKE_CXX_COMPILER_LAUNCHER
     ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
-  add_compile_options(-fpch-preprocess)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fpch-preprocess)
+  endif()
 endif()
 
+option(ZRHTTP_FUZZ "Build the fuzz targets with libFuzzer, which takes clang, and no other tests" OFF)
 set(ZRHTTP_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion
   -Wold-style-cast -Woverloaded-virtual -Wformat=2)
+if(ZRHTTP_FUZZ)
+  # What is delivered is compiled, and warned about, by g++.
+  target_compile_options(project_options INTERFACE -w -fsanitize=fuzzer-no-link)
+endif()
 # g++ 12 takes a plain text + std::string for overlapping memory when it optimises.
 target_compile_options(project_options INTERFACE -Wno-restrict)
 if(CMAKE_UNITY_BUILD)

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 #include <curl/curl.h>
+#include <idn2.h>
 
 namespace platform {
 namespace {
@@ -80,6 +82,21 @@ std::uint16_t CurlUrl::Port() const {
 
 std::string CurlUrl::Origin() const {
     return Scheme() + "://" + LowerAscii(Host()) + ":" + std::to_string(Port());
+}
+
+// libcurl would do so when it connects, but in the character set of the process's locale.
+bool CurlUrl::EncodeHost() {
+    const std::string host = Host();
+    const auto isAscii = [](char ch) { return static_cast<unsigned char>(ch) < 128; };
+    if (std::all_of(host.begin(), host.end(), isAscii)) return true;
+    char* encoded = nullptr;
+    if (idn2_to_ascii_8z(host.c_str(), &encoded, IDN2_NFC_INPUT | IDN2_NONTRANSITIONAL) != IDN2_OK)
+        return false;
+    const std::unique_ptr<char, decltype(&idn2_free)> owned(encoded, idn2_free);
+    if (curl_url_set(m_handle.get(), CURLUPART_HOST, encoded, 0) != CURLUE_OK) return false;
+    // Once more from the text: the name may have become a number, which is an address.
+    return curl_url_set(m_handle.get(), CURLUPART_URL, Text().c_str(), CURLU_NON_SUPPORT_SCHEME) ==
+           CURLUE_OK;
 }
 
 void CurlUrl::RemoveUserInfo() {

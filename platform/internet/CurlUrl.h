@@ -31,6 +31,8 @@ public:
     // Scheme, host and port: what must be equal for two URLs to be of one origin.
     std::string Origin() const;
 
+    // The host as it is looked up: ASCII, with "xn--" labels (UTS #46). False when it is no name.
+    bool EncodeHost();
     void RemoveUserInfo();
     void SetFragment(const std::string& fragment);
 

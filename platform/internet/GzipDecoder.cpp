@@ -27,7 +27,8 @@ bool GzipDecoder::Knows(const std::string& coding) {
 
 // Members follow each other; other bytes behind one are padding.
 bool GzipDecoder::BeginNextMember(std::string_view& input) {
-    if (input.empty() || input.front() != kGzipMark) {
+    m_isPadding = m_isPadding || (!input.empty() && input.front() != kGzipMark);
+    if (input.empty() || m_isPadding) {
         input = {};
         return false;
     }

@@ -34,6 +34,7 @@ private:
     z_stream m_stream{};
     bool m_isComplete = true;
     bool m_isMemberOver = false;
+    bool m_isPadding = false; // what follows the last member
     bool m_isBroken = false;
 };
 

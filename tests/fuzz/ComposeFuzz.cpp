@@ -2,14 +2,14 @@
 // Input: a byte (its lowest bit makes a secret field, the next one removes a field again), a name,
 // LF, a value up to the next byte 0x01, and so on.
 
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include <ZrHbDataTransmit.h>
+
+#include "Check.h"
 
 namespace {
 
@@ -22,12 +22,8 @@ std::string_view TakeUpTo(std::string_view& rest, std::string_view end) {
     return taken;
 }
 
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
 void Expect(std::string_view& rest, std::string_view text) {
-    Require(rest.starts_with(text));
+    Check(rest.starts_with(text));
     rest.remove_prefix(text.size());
 }
 
@@ -59,7 +55,7 @@ Fields Fill(CZrHbDataTransmit& form, std::string_view input) {
         const int result =
             form.SetField(CString(name), CString(pair),
                           static_cast<CZrHbDataTransmit::EZrHbDataConfidentialityType>(flags & 1));
-        Require((result == 1) == !cutName.empty());
+        Check((result == 1) == !cutName.empty());
         if (!cutName.empty()) Set(fields, cutName, TakeUpTo(pair, std::string_view("\0", 1)));
         if (!(flags & 2)) continue;
         form.RemoveField(CString(name));
@@ -76,7 +72,7 @@ Fields ReadMultipart(std::string_view body, const std::string& boundary) {
         Expect(body, "\r\nContent-Disposition: form-data; name=\"");
         const std::string_view name = TakeUpTo(body, "\"\r\n\r\n");
         fields.emplace_back(name, TakeUpTo(body, "\r\n--" + boundary));
-        Require(!body.empty());
+        Check(!body.empty());
     }
     return fields;
 }
@@ -87,7 +83,7 @@ std::string DecodeValue(std::string_view encoded) {
         const char ch = encoded.front();
         encoded.remove_prefix(1);
         if (ch == '%') {
-            Require(encoded.size() >= 2);
+            Check(encoded.size() >= 2);
             value += static_cast<char>(std::stoi(std::string(encoded.substr(0, 2)), nullptr, 16));
             encoded.remove_prefix(2);
         } else {
@@ -102,7 +98,7 @@ Fields ReadPairs(std::string_view text) {
     if (text.empty()) return fields;
     Expect(text, "?");
     // An empty pair behind the last "&" would be lost, if there were one.
-    Require(!text.empty() && text.back() != '&');
+    Check(!text.empty() && text.back() != '&');
     while (!text.empty()) {
         std::string_view pair = TakeUpTo(text, "&");
         const std::string name(TakeUpTo(pair, "="));
@@ -121,10 +117,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CZrHbDataTransmit form;
     form.SetBoundary(CString(boundary)); // so that nothing pauses for a new one
     const Fields fields = Fill(form, input);
-    Require(ReadMultipart(form.GetMultipartData().View(), boundary) == fields);
-    Require(ReadPairs(form.GetURLEncodedData(1).View()) == fields);
+    Check(ReadMultipart(form.GetMultipartData().View(), boundary) == fields);
+    Check(ReadPairs(form.GetURLEncodedData(1).View()) == fields);
 
     const CString masked = form.GetMultipartData(CZrHbDataTransmit::eRequestDataType_Masked);
-    Require(ReadMultipart(masked.View(), boundary).size() == fields.size());
+    Check(ReadMultipart(masked.View(), boundary).size() == fields.size());
     return 0;
 }

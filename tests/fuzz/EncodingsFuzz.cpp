@@ -2,20 +2,16 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include <ZrHbHtmlTools.h>
 
+#include "Check.h"
+
 namespace {
 
 using Tools = CZrHbHtmlTools;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 std::string UrlDecoded(std::string_view text) {
     std::string decoded;
@@ -24,10 +20,10 @@ std::string UrlDecoded(std::string_view text) {
             decoded += text[i] == '+' ? ' ' : text[i];
             continue;
         }
-        Require(i + 2 < text.size());
+        Check(i + 2 < text.size());
         unsigned value = 0;
         const char* const digits = text.data() + i + 1;
-        Require(std::from_chars(digits, digits + 2, value, 16).ptr == digits + 2);
+        Check(std::from_chars(digits, digits + 2, value, 16).ptr == digits + 2);
         decoded += static_cast<char>(value);
         i += 2;
     }
@@ -49,18 +45,18 @@ std::string WithoutSpecials(std::string_view text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(data, data + size);
     const CString encoded = Tools::URLEncodeString(CString(std::string_view(text)));
-    Require(encoded.View().find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
-                                             "0123456789%+") == std::string_view::npos);
-    Require(UrlDecoded(encoded.View()) == text);
+    Check(encoded.View().find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                                           "0123456789%+") == std::string_view::npos);
+    Check(UrlDecoded(encoded.View()) == text);
 
     const std::string plain = WithoutSpecials(text);
     const CString utf8 = Tools::AnsiToUTF8(CString(std::string_view(plain)));
-    Require(Tools::UTF8ToAnsi(utf8).View() == plain);
+    Check(Tools::UTF8ToAnsi(utf8).View() == plain);
     const auto isAscii = [](char ch) { return static_cast<unsigned char>(ch) < 128; };
     const auto ascii = std::count_if(plain.begin(), plain.end(), isAscii);
-    Require(static_cast<std::size_t>(utf8.GetLength() + ascii) == 2 * plain.size());
+    Check(static_cast<std::size_t>(utf8.GetLength() + ascii) == 2 * plain.size());
 
     const CString ansi = Tools::UTF8ToAnsi(CString(std::string_view(text)));
-    Require(static_cast<std::size_t>(ansi.GetLength()) <= text.size());
+    Check(static_cast<std::size_t>(ansi.GetLength()) <= text.size());
     return 0;
 }

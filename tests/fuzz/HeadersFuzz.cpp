@@ -1,18 +1,10 @@
 // The first line is the order, the rest a header block.
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include <ZrHbHttpHeaders.h>
 
-namespace {
-
-void Check(bool holds) {
-    if (!holds) std::abort();
-}
-
-} // namespace
+#include "Check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view input(reinterpret_cast<const char*>(data), size);

@@ -1,21 +1,17 @@
 // Any bytes as a page: what the text tools promise of their results.
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include <ZrHbHtmlTools.h>
 
+#include "Check.h"
+
 namespace {
 
 using Tools = CZrHbHtmlTools;
 constexpr std::size_t kNone = std::string_view::npos;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 bool Contains(std::string_view text, std::string_view part) {
     return text.find(part) != kNone;
@@ -32,34 +28,34 @@ std::string Upper(std::string_view text) {
 void CheckTags(std::string_view text) {
     CString page(text);
     Tools::HtmlPageRemoveTags(page);
-    Require(!Contains(page.View(), "<"));
-    Require(std::count(text.begin(), text.end(), '<') <=
-            std::count(page.View().begin(), page.View().end(), ' '));
-    if (!Contains(text, "<")) Require(page.View() == text);
+    Check(!Contains(page.View(), "<"));
+    Check(std::count(text.begin(), text.end(), '<') <=
+          std::count(page.View().begin(), page.View().end(), ' '));
+    if (!Contains(text, "<")) Check(page.View() == text);
 }
 
 void CheckDecoding(std::string_view text) {
     CString page(text);
     Tools::HtmlPageDecode(page, 0);
-    Require(!Contains(page.View(), "&"));
-    Require(static_cast<std::size_t>(page.GetLength()) <= text.size());
+    Check(!Contains(page.View(), "&"));
+    Check(static_cast<std::size_t>(page.GetLength()) <= text.size());
     CString lines(text);
     Tools::HtmlPageDecode(lines, 1);
     for (const char* part : {"&", "\r", "<br>", "<BR>", "  ", " \n", "\n "})
-        Require(!Contains(lines.View(), part));
+        Check(!Contains(lines.View(), part));
 }
 
 void CheckPureText(std::string_view text, int compact) {
     CString page(text);
     Tools::HtmlPageMakePureText(page, compact);
     const std::string_view pure = page.View();
-    Require(pure.ends_with('\n'));
+    Check(pure.ends_with('\n'));
     for (const char* part : {"&", "\1", "\t", "  ", " \n", "\n ", "\n\n\n"})
-        Require(!Contains(pure, part));
-    if (compact) Require(!Contains(pure, "\n\n"));
+        Check(!Contains(pure, part));
+    if (compact) Check(!Contains(pure, "\n\n"));
     if (pure.size() == 1) return;
     for (const char edge : {pure.front(), pure[pure.size() - 2]})
-        Require(!Contains(" \t\r\n\v\f", std::string_view(&edge, 1)));
+        Check(!Contains(" \t\r\n\v\f", std::string_view(&edge, 1)));
 }
 
 // The first two lines are the start text and the end text of the sections.
@@ -74,7 +70,7 @@ void CheckSections(std::string_view text) {
     Tools::HtmlPageRemoveSections(page, start, end);
     const std::string upper = Upper(page.View());
     const std::size_t left = upper.find(Upper(start.View()));
-    Require(left == kNone || end.IsEmpty() || upper.find(Upper(end.View()), left) == kNone);
+    Check(left == kNone || end.IsEmpty() || upper.find(Upper(end.View()), left) == kNone);
 }
 
 void CheckTagContent(const std::string& text) {
@@ -82,12 +78,11 @@ void CheckTagContent(const std::string& text) {
     const char* from = text.c_str();
     CString content;
     while (Tools::GetInfoBetweenHtmlTags(from, "b", content, 1, 0, &position)) {
-        Require(position > from && position <= text.c_str() + text.size());
-        Require(
-            std::string_view(from, static_cast<std::size_t>(position - from)).ends_with("</b>"));
+        Check(position > from && position <= text.c_str() + text.size());
+        Check(std::string_view(from, static_cast<std::size_t>(position - from)).ends_with("</b>"));
         from = position;
     }
-    Require(position == from);
+    Check(position == from);
 }
 
 } // namespace

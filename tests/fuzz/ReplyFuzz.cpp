@@ -1,18 +1,10 @@
 // The first line is the name asked for, the rest the message.
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include <ZrHbBrightrelayReply.h>
 
-namespace {
-
-void Check(bool holds) {
-    if (!holds) std::abort();
-}
-
-} // namespace
+#include "Check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view input(reinterpret_cast<const char*>(data), size);

@@ -31,7 +31,7 @@ void ConnectionPoint::Raise(DISPID event, DISPPARAMS& params) {
     for (const auto& [cookie, sink] : sinks) {
         const bool isStillThere =
             std::any_of(m_sinks.begin(), m_sinks.end(),
-                        [&](const Entry& entry) { return entry.first == cookie; });
+                        [&, id = cookie](const Entry& entry) { return entry.first == id; });
         if (isStillThere)
             sink->Invoke(event, IID{}, 0, DISPATCH_METHOD, &params, nullptr, nullptr, nullptr);
     }

@@ -57,8 +57,9 @@ std::string WithForwardSlashes(std::string_view text) {
 }
 
 std::string FileUrlOfPath(std::string_view path) {
-    std::string url(kFilePrefix);
-    if (!IsSlash(path.front())) url += '/';
+    std::string url = std::string(kFilePrefix) + '/';
+    while (!path.empty() && IsSlash(path.front())) // many mean one
+        path.remove_prefix(1);
     for (const char ch : path) {
         const bool isPlain = IsLetter(ch) || IsDigit(ch) ||
                              std::string_view("/:-._~").find(ch) != std::string_view::npos;
@@ -111,6 +112,10 @@ std::optional<PageUrl> HttpPage(std::string_view text, std::string& error) {
     auto url = CurlUrl::Parse(EscapeUnsafe(slashed));
     if (!url || url->Host().empty()) {
         error = "the URL is malformed";
+        return std::nullopt;
+    }
+    if (!url->EncodeHost()) {
+        error = "the URL's host is no valid name";
         return std::nullopt;
     }
     PageUrl page{{}, url->User(), url->Password()};
@@ -179,7 +184,7 @@ std::optional<std::string> ResolveReference(const std::string& baseUrl,
         isFile ? std::string(kFileStandIn) + baseUrl.substr(kFilePrefix.size()) : baseUrl);
     if (!base) return std::nullopt;
     auto resolved = base->Resolve(EscapeUnsafe(WithForwardSlashes(cleaned)));
-    if (!resolved) return std::nullopt;
+    if (!resolved || !resolved->EncodeHost()) return std::nullopt;
     resolved->RemoveUserInfo();
     const std::string url = resolved->Text();
     if (isFile && url.starts_with(kFileStandIn))
