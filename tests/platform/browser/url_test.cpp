@@ -51,6 +51,20 @@ TEST(ResolveReference, FollowsTheRfc) {
     EXPECT_FALSE(platform::ResolveReference(base, "http://:x:/").has_value());
 }
 
+TEST(ParsePageUrl, HostsAreAskedForInAscii) {
+    const std::pair<const char16_t*, const char*> cases[] = {
+        {u"m\u00FCller.test/\u00FC", "http://xn--mller-kva.test/%C3%BC"},
+        {u"http://M%C3%9CLLER.test/", "http://xn--mller-kva.test/"},
+        {u"http://fa\u00DF.test/", "http://xn--fa-hia.test/"},
+        {u"http://\u00B2/", "http://0.0.0.2/"}, // becomes a number, which is an address
+        {u"http://a\u00AD\uFFFD.test/", "the URL's host is no valid name"}};
+    for (const auto& [typed, expected] : cases) {
+        std::string error;
+        const auto page = platform::ParsePageUrl(typed, error);
+        EXPECT_EQ(expected, page ? page->url : error);
+    }
+}
+
 TEST(ParseRefresh, FollowsTheStandard) {
     const std::pair<const char*, const char*> cases[] = {{"5", "5 "},
                                                          {" 5 ; url=a", "5 a"},
