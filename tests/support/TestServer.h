@@ -61,7 +61,8 @@ public:
     // "http://127.0.0.1:PORT" + path.
     std::string Url(const std::string& path) const;
     void Set(const std::string& path, Answer answer);
-    // What has arrived, oldest first; for one path (without query) or, empty, for all.
+    // What has arrived, oldest first; for one path (without query) or, empty, for all. Not the
+    // icon that browsers ask for by themselves.
     std::vector<ReceivedRequest> Requests(const std::string& path = "") const;
 
 private:
