@@ -144,7 +144,7 @@ TEST_F(Collecting, StopsAnEndlessChainWhenItsCallbackWantsTo) {
     };
     EXPECT_EQ(Getter().BusyRead(pages, m_error, urls, 0, FALSE, 0, stopAfterTen, &Server()),
               ZRHB_STOPPED);
-    EXPECT_GT(pages.GetSize(), 8);
+    EXPECT_GT(pages.GetSize(), 3); // the browser is ahead of what has been handed out
     Getter().Close();
     const std::size_t requests = Server().Requests("/endless").size();
     PumpFor(std::chrono::milliseconds(100));
