@@ -67,21 +67,39 @@ void RawServer::Set(const std::string& path, std::string bytes, std::shared_ptr<
 void RawServer::Listen() {
     while (!m_isEnding) {
         const int connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (connection >= 0) m_connections.emplace_back([this, connection] { Serve(connection); });
+        if (connection < 0) continue;
+        {
+            const std::lock_guard lock(m_mutex);
+            m_open.insert(connection);
+        }
+        m_connections.emplace_back([this, connection] { Serve(connection); });
     }
+    EndConnections();
     for (std::thread& connection : m_connections)
         connection.join();
 }
 
+// Browsers open connections ahead of requests that may never come.
+void RawServer::EndConnections() {
+    const std::lock_guard lock(m_mutex);
+    for (const int connection : m_open)
+        shutdown(connection, SHUT_RDWR);
+}
+
 void RawServer::Serve(int connection) {
-    const std::string head = ReceiveHead(connection);
-    if (!head.empty()) {
-        const Reply reply = ReplyFor(head);
-        SendAll(connection, reply.bytes);
-        if (reply.gate) reply.gate->Wait();
-        SendAll(connection, reply.rest);
-    }
+    Answer(connection);
+    const std::lock_guard lock(m_mutex);
+    m_open.erase(connection);
     close(connection);
+}
+
+void RawServer::Answer(int connection) {
+    const std::string head = ReceiveHead(connection);
+    if (head.empty()) return;
+    const Reply reply = ReplyFor(head);
+    SendAll(connection, reply.bytes);
+    if (reply.gate) reply.gate->Wait();
+    SendAll(connection, reply.rest);
 }
 
 RawServer::Reply RawServer::ReplyFor(const std::string& request) {

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -37,7 +38,9 @@ private:
     };
 
     void Listen();
+    void EndConnections();
     void Serve(int connection);
+    void Answer(int connection);
     Reply ReplyFor(const std::string& request);
 
     int m_listener = -1;
@@ -46,6 +49,7 @@ private:
     std::mutex m_mutex;
     std::map<std::string, Reply> m_replies;
     std::vector<std::string> m_requests;
+    std::set<int> m_open;
     std::vector<std::thread> m_connections; // the listening thread's
     std::thread m_thread;
 };
