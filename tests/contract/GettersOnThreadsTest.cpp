@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <ZrHbUHttpGet.h>
-#include <platform/Window.h>
-
+#include "support/BrowserKind.h"
 #include "support/TemporaryHome.h"
 #include "support/TestServer.h"
 
@@ -18,24 +16,13 @@ namespace {
 constexpr int kThreads = 10;
 constexpr int kPages = 5;
 
-struct Kind {
-    const char* name;
-    const char* engine;
-    CZrHbUHttpGet::EZrHbInterfaceVariant variant;
-    const char* legacySystem; // on such a one, the browser is an application
-};
-
-class GettersOnThreads : public testing::TestWithParam<Kind> {
+class GettersOnThreads : public OverBrowserKinds {
 protected:
     // Each page tells the thread that it is for; a thread posts every other request.
     void Fetch(int thread) {
         CZrHbUHttpGet getter(eAppGroup_2);
+        Connect(getter);
         CString error;
-        ASSERT_EQ(getter.ConnectV3(GetDesktopWindow(), error, GetParam().variant,
-                                   CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "", "", 0, 0),
-                  ZRHB_OK)
-            << error.GetString();
-        getter.SetSecurityTimeout(0);
         for (int page = 0; page < kPages; ++page) {
             std::string text = std::to_string(thread) + "-" + std::to_string(page);
             const std::string path = "/echo?" + text;
@@ -56,10 +43,6 @@ protected:
     }
 
     const TemporaryHome m_home;
-    const ScopedVariable m_control{"ZRHTTP_CONTROL", GetParam().engine};
-    const ScopedVariable m_application{"ZRHTTP_APPLICATION", GetParam().engine};
-    const ScopedVariable m_headless{"ZRHTTP_HEADLESS", "1"};
-    const ScopedVariable m_system{"ZRHTTP_LEGACY_SYSTEM", GetParam().legacySystem};
     TestServer m_server;
 };
 
@@ -74,11 +57,4 @@ TEST_P(GettersOnThreads, FetchTheirOwnPages) {
     EXPECT_EQ(m_server.Requests("/echo").size(), std::size_t{kThreads} * kPages);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, GettersOnThreads,
-    testing::Values(Kind{"InProcess_builtin", "builtin", CZrHbUHttpGet::eVisible, "0"},
-                    Kind{"ControlHosting_builtin", "builtin", CZrHbUHttpGet::eInvisible, "0"},
-                    Kind{"OutOfProcess_builtin", "builtin", CZrHbUHttpGet::eVisible, "1"},
-                    Kind{"InProcess_chromium", "chromium", CZrHbUHttpGet::eVisible, "0"},
-                    Kind{"OutOfProcess_chromium", "chromium", CZrHbUHttpGet::eVisible, "1"}),
-    [](const auto& kind) { return std::string(kind.param.name); });
+INSTANTIATE_TEST_SUITE_P(All, GettersOnThreads, OverBrowserKinds::All(), OverBrowserKinds::NameOf);

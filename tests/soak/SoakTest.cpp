@@ -9,10 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include <ZrHbUHttpGet.h>
-#include <platform/Window.h>
-
 #include "BenchServer.h"
+#include "support/BrowserKind.h"
 #include "support/Leftovers.h"
 #include "support/PumpUntil.h"
 #include "support/TemporaryHome.h"
@@ -54,14 +52,7 @@ void ExpectNoMore(const Held& before, const std::string& what) {
     EXPECT_LE(now.children, before.children) << what;
 }
 
-struct Kind {
-    const char* name;
-    const char* engine;
-    CZrHbUHttpGet::EZrHbInterfaceVariant variant;
-    const char* legacySystem; // on such a one, the browser is an application
-};
-
-class Soak : public testing::TestWithParam<Kind> {
+class Soak : public OverBrowserKinds {
 protected:
     // Its own process, so that what it keeps is not counted; it answers posts, too.
     static BenchServer::Setup Pages() {
@@ -73,33 +64,22 @@ protected:
                     location("/frames", "<iframe src=posted></iframe><iframe src=posted></iframe>"),
                 ""};
     }
-    void Connect(CZrHbUHttpGet& getter) {
-        ASSERT_EQ(getter.Connect(GetDesktopWindow(), m_error, GetParam().variant,
-                                 CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, ""),
-                  ZRHB_OK)
-            << m_error.GetString();
-        getter.SetSecurityTimeout(0);
-    }
     void Fetch(CZrHbUHttpGet& getter, int number) {
         char data[] = "a=b";
         const char* path = number % 10 == 0 ? "/frames" : "/posted";
+        CString error;
         CString page;
         CString url;
-        ASSERT_EQ(getter.Open(CString(m_server.Url(path)), m_error, number % 2 ? data : nullptr,
+        ASSERT_EQ(getter.Open(CString(m_server.Url(path)), error, number % 2 ? data : nullptr,
                               ~DWORD{0}, nullptr, FALSE),
                   ZRHB_OK)
-            << m_error.GetString();
-        ASSERT_EQ(getter.BusyRead(page, m_error, url, 60'000, FALSE, 0, nullptr, nullptr), ZRHB_OK)
-            << m_error.GetString();
+            << error.GetString();
+        ASSERT_EQ(getter.BusyRead(page, error, url, 60'000, FALSE, 0, nullptr, nullptr), ZRHB_OK)
+            << error.GetString();
     }
 
     const TemporaryHome m_home;
-    const ScopedVariable m_control{"ZRHTTP_CONTROL", GetParam().engine};
-    const ScopedVariable m_application{"ZRHTTP_APPLICATION", GetParam().engine};
-    const ScopedVariable m_headless{"ZRHTTP_HEADLESS", "1"};
-    const ScopedVariable m_system{"ZRHTTP_LEGACY_SYSTEM", GetParam().legacySystem};
     BenchServer m_server{Pages()};
-    CString m_error;
 };
 
 } // namespace
@@ -135,11 +115,4 @@ TEST_P(Soak, ManyConnects) {
     EXPECT_EQ(profiles.LeftBehind(), std::vector<std::string>());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Over, Soak,
-    testing::Values(Kind{"builtin", "builtin", CZrHbUHttpGet::eVisible, "0"},
-                    Kind{"builtin_hosted", "builtin", CZrHbUHttpGet::eInvisible, "0"},
-                    Kind{"builtin_application", "builtin", CZrHbUHttpGet::eVisible, "1"},
-                    Kind{"chromium", "chromium", CZrHbUHttpGet::eVisible, "0"},
-                    Kind{"chromium_application", "chromium", CZrHbUHttpGet::eVisible, "1"}),
-    [](const auto& kind) { return std::string(kind.param.name); });
+INSTANTIATE_TEST_SUITE_P(Over, Soak, OverBrowserKinds::All(), OverBrowserKinds::NameOf);
