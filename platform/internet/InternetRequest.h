@@ -36,6 +36,8 @@ public:
     // there; then the following may be called.
     std::optional<InternetFailure> Open(PageUrl url);
     void Close();
+    // Nobody waits for it any more, on this thread.
+    bool IsCancelled() const;
 
     int Status() const { return m_exchange->Status(); }
     // Of the bytes that are read; empty when it is not known beforehand.
@@ -54,7 +56,6 @@ private:
     void DropBody();
     std::size_t Take(void* pBuffer, std::size_t room);
     DWORD End() const;
-    bool IsCancelled() const;
 
     std::string ServerSpace() const { return OriginOf(m_url); }
     std::string ProxySpace() const { return "proxy for " + SchemeOf(m_url); }

@@ -130,7 +130,8 @@ DWORD InternetService::ErrorDialog(HWND, HINTERNET hRequest, DWORD) {
     if (!question) return ERROR_SUCCESS;
     CString strName;
     CString strPassword;
-    if (!Current<Prompt>().AskCredentials(TextOf(*question), strName, strPassword))
+    if (!Current<Prompt>().AskCredentials(TextOf(*question), strName, strPassword,
+                                          [&] { return request->IsCancelled(); }))
         return ERROR_CANCELLED;
     request->Answer(*question, {Utf8FromAnsi(strName.View()), Utf8FromAnsi(strPassword.View())});
     return ERROR_INTERNET_FORCE_RETRY;

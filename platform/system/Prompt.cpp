@@ -2,12 +2,13 @@
 
 #include <iostream>
 #include <memory>
+#include <string>
 
-#include <termios.h>
 #include <unistd.h>
 
 #include <platform/Diagnostics.h>
 
+#include "system/TerminalInput.h"
 #include "system/TerminalPrompt.h"
 
 namespace platform {
@@ -38,31 +39,13 @@ CString FirstLine(const CString& strText) {
     return end < 0 ? strText : strText.Left(end);
 }
 
-// While it lives, the terminal shows nothing of what is typed, and the keys that would end the
-// program, and leave the terminal so, are characters.
-class HiddenTyping {
-public:
-    HiddenTyping() {
-        m_isSet = ::tcgetattr(STDIN_FILENO, &m_before) == 0;
-        termios hidden = m_before;
-        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
-        if (m_isSet) ::tcsetattr(STDIN_FILENO, TCSADRAIN, &hidden);
-    }
-    ~HiddenTyping() {
-        if (m_isSet) ::tcsetattr(STDIN_FILENO, TCSADRAIN, &m_before);
-    }
-    HiddenTyping(const HiddenTyping&) = delete;
-    HiddenTyping& operator=(const HiddenTyping&) = delete;
-
-private:
-    termios m_before{};
-    bool m_isSet = false;
-};
-
 class UserPrompt : public Prompt {
 public:
     int Ask(const CString& strText, UINT nType) override {
-        if (IsSomebodyThere()) return AskOnTerminal(std::cin, std::cerr, strText, nType);
+        const auto readLine = [](std::string& line) {
+            return ReadTerminalLine(line, [] { return false; });
+        };
+        if (IsSomebodyThere()) return AskOnTerminal(readLine, std::cerr, strText, nType);
         const int button = HarmlessButton(nType);
         CString strReport;
         strReport.Format("Nobody to ask; answered %s to: %s", NameOf(button),
@@ -71,15 +54,21 @@ public:
         return button;
     }
 
-    bool AskCredentials(const CString& strText, CString& strName, CString& strPassword) override {
+    bool AskCredentials(const CString& strText, CString& strName, CString& strPassword,
+                        const std::function<bool()>& isWithdrawn) override {
         if (!IsSomebodyThere()) {
             ReportDiagnostic(Severity::trace, __FILE__, __LINE__,
                              "Nobody to ask; gave no name and password to: " + FirstLine(strText));
             return false;
         }
-        if (!AskNameOnTerminal(std::cin, std::cerr, strText, strName)) return false;
-        const HiddenTyping hidden;
-        return AskPasswordOnTerminal(std::cin, std::cerr, strPassword);
+        const auto readLine = [&](std::string& line) {
+            return ReadTerminalLine(line, isWithdrawn);
+        };
+        if (!AskNameOnTerminal(readLine, std::cerr, strText, strName)) return false;
+        HiddenTyping hidden;
+        return AskPasswordOnTerminal(
+            [&](std::string& line) { return readLine(line) && !hidden.TakeInterrupt(line); },
+            std::cerr, strPassword);
     }
 };
 

@@ -59,10 +59,11 @@ int ButtonNamedBy(const std::string& line, UINT nType) {
 }
 
 // A line of text as it was typed. Control characters stand for keys that the terminal would take.
-bool AskLine(std::istream& input, std::ostream& output, const char* pszLabel, CString& strLine) {
+bool AskLine(const LineReader& readLine, std::ostream& output, const char* pszLabel,
+             CString& strLine) {
     output << pszLabel << std::flush;
     std::string line;
-    if (!std::getline(input, line)) return false;
+    if (!readLine(line)) return false;
     if (line.ends_with('\r')) line.pop_back();
     if (std::any_of(line.begin(), line.end(),
                     [](unsigned char ch) { return ch < 0x20 || ch == 0x7F; }))
@@ -85,27 +86,30 @@ int HarmlessButton(UINT nType) {
     }
 }
 
-int AskOnTerminal(std::istream& input, std::ostream& output, const CString& strText, UINT nType) {
+int AskOnTerminal(const LineReader& readLine, std::ostream& output, const CString& strText,
+                  UINT nType) {
     output << Visible(strText) << '\n';
     for (int attempt = 0; attempt < kQuestions; ++attempt) {
         for (const Button& button : ButtonsOf(nType))
             output << button.label << ' ';
         output << "> " << std::flush;
         std::string line;
-        if (!std::getline(input, line)) break;
+        if (!readLine(line)) break;
         if (const int id = ButtonNamedBy(line, nType); id != 0) return id;
     }
     return HarmlessButton(nType);
 }
 
-bool AskNameOnTerminal(std::istream& input, std::ostream& output, const CString& strText,
+bool AskNameOnTerminal(const LineReader& readLine, std::ostream& output, const CString& strText,
                        CString& strName) {
     output << Visible(strText) << '\n';
-    return AskLine(input, output, "Name: ", strName) && !strName.IsEmpty();
+    const bool isGiven = AskLine(readLine, output, "Name: ", strName) && !strName.IsEmpty();
+    if (!isGiven) output << '\n';
+    return isGiven;
 }
 
-bool AskPasswordOnTerminal(std::istream& input, std::ostream& output, CString& strPassword) {
-    const bool isGiven = AskLine(input, output, "Password: ", strPassword);
+bool AskPasswordOnTerminal(const LineReader& readLine, std::ostream& output, CString& strPassword) {
+    const bool isGiven = AskLine(readLine, output, "Password: ", strPassword);
     output << '\n'; // that of the user has not been shown
     return isGiven;
 }

@@ -34,7 +34,8 @@ public:
     int questions = 0;
 
     int Ask(const CString&, UINT) override { return IDCANCEL; }
-    bool AskCredentials(const CString&, CString& strName, CString& strPassword) override {
+    bool AskCredentials(const CString&, CString& strName, CString& strPassword,
+                        const std::function<bool()>&) override {
         ++questions;
         if (passwords.empty()) return false;
         strName = "kunde";

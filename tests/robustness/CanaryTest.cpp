@@ -106,7 +106,8 @@ void SearchFiles(const std::string& directory, std::vector<std::string>& found) 
 class OnePassword final : public platform::Prompt {
 public:
     int Ask(const CString&, UINT) override { return IDCANCEL; }
-    bool AskCredentials(const CString&, CString& name, CString& password) override {
+    bool AskCredentials(const CString&, CString& name, CString& password,
+                        const std::function<bool()>&) override {
         name = "me";
         password = CString(kPassword);
         return std::exchange(m_isLeft, false);

@@ -9,8 +9,11 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "browser/chromium/SpawnProgram.h"
@@ -18,7 +21,9 @@
 namespace test_support {
 namespace {
 
-constexpr auto kLongestRun = std::chrono::seconds(30);
+using namespace std::chrono_literals;
+
+constexpr auto kLongestRun = 30s;
 
 int Checked(int result, const char* what) {
     if (result < 0) throw std::system_error(errno, std::generic_category(), what);
@@ -49,14 +54,28 @@ std::string ReadAll(int file) {
     }
 }
 
+std::vector<std::string> Environment() {
+    std::vector<std::string> environment{"no_proxy=127.0.0.1,localhost"};
+    for (char** variable = environ; *variable; ++variable)
+        environment.emplace_back(*variable);
+    return environment;
+}
+
+// As exec wants them, for as long as the texts live.
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 pid_t Start(const std::vector<std::string>& arguments, int input, int output, int error) {
     platform::ProgramStart start;
     start.command = {ZRHTTP_TOOL};
     start.command.insert(start.command.end(), arguments.begin(), arguments.end());
     start.descriptors = {{input, 0}, {output, 1}, {error, 2}};
-    start.environment = {"no_proxy=127.0.0.1,localhost"};
-    for (char** variable = environ; *variable; ++variable)
-        start.environment.emplace_back(*variable);
+    start.environment = Environment();
     const auto process = platform::StartProgram(start);
     return Checked(process.value_or(-1), ZRHTTP_TOOL);
 }
@@ -111,21 +130,56 @@ ToolRun RunTool(const std::vector<std::string>& arguments, std::string_view inpu
     return ToolProcess(arguments, input).Wait();
 }
 
-ToolRun RunToolOnTerminal(const std::vector<std::string>& arguments) {
-    const int master = Checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
-    Checked(grantpt(master), "grantpt");
-    Checked(unlockpt(master), "unlockpt");
-    const int terminal =
-        Checked(open(ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC), "open terminal");
-    const int input = MemoryFile();
-    const pid_t process = Start(arguments, input, terminal, terminal);
-    close(terminal);
-    close(input);
+ToolOnTerminal::ToolOnTerminal(const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{ZRHTTP_TOOL};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    std::vector<std::string> environment = Environment();
+    const auto argv = Pointers(command);
+    const auto envp = Pointers(environment);
+    m_process = Checked(forkpty(&m_terminal, nullptr, nullptr, nullptr), "forkpty");
+    if (m_process == 0) {
+        execve(ZRHTTP_TOOL, argv.data(), envp.data());
+        _exit(127);
+    }
+    fcntl(m_terminal, F_SETFD, FD_CLOEXEC);
+}
+
+ToolOnTerminal::~ToolOnTerminal() {
+    if (m_process > 0) {
+        kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+    }
+    close(m_terminal);
+}
+
+void ToolOnTerminal::TypeAfter(std::string_view text, std::string_view keys) {
+    while (m_shown.find(text) == std::string::npos) {
+        pollfd terminal{m_terminal, POLLIN, 0};
+        char block[4096];
+        const bool isNews = poll(&terminal, 1, kLongestRun / 1ms) > 0;
+        const ssize_t count = isNews ? read(m_terminal, block, sizeof block) : 0;
+        if (count <= 0) throw std::runtime_error("the tool never showed: " + std::string(text));
+        m_shown.append(block, static_cast<std::size_t>(count));
+    }
+    Checked(static_cast<int>(write(m_terminal, keys.data(), keys.size())), "type");
+}
+
+bool ToolOnTerminal::IsEchoing() const {
+    termios settings{};
+    Checked(tcgetattr(m_terminal, &settings), "tcgetattr");
+    return (settings.c_lflag & ECHO) != 0;
+}
+
+ToolRun ToolOnTerminal::Wait() {
     ToolRun run;
-    run.output = ReadAll(master);
-    close(master);
-    run.exitStatus = WaitFor(process);
+    run.output = m_shown + ReadAll(m_terminal);
+    run.exitStatus = WaitFor(m_process);
+    m_process = -1;
     return run;
+}
+
+ToolRun RunToolOnTerminal(const std::vector<std::string>& arguments) {
+    return ToolOnTerminal(arguments).Wait();
 }
 
 } // namespace test_support

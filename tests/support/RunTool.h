@@ -37,7 +37,28 @@ private:
 
 ToolRun RunTool(const std::vector<std::string>& arguments, std::string_view input = "");
 
-// With standard output and standard error on one terminal, whose text comes back as `output`.
+// A running tool that has a terminal of its own for what it reads and writes. The destructor ends
+// it if it still runs.
+class ToolOnTerminal {
+public:
+    explicit ToolOnTerminal(const std::vector<std::string>& arguments);
+    ~ToolOnTerminal();
+    ToolOnTerminal(const ToolOnTerminal&) = delete;
+    ToolOnTerminal& operator=(const ToolOnTerminal&) = delete;
+
+    // Waits until the terminal shows the text, and types.
+    void TypeAfter(std::string_view text, std::string_view keys);
+    // Whether the terminal shows what is typed.
+    bool IsEchoing() const;
+    // Waits for its end; `output` is all that the terminal has shown.
+    ToolRun Wait();
+
+private:
+    int m_terminal = -1;
+    pid_t m_process = -1;
+    std::string m_shown;
+};
+
 ToolRun RunToolOnTerminal(const std::vector<std::string>& arguments);
 
 } // namespace test_support

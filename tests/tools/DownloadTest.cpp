@@ -32,11 +32,29 @@ protected:
         m_server.Set("/list", Bytes("application/pdf", m_content));
     }
     std::string Target() const { return m_home.Path("files/list.pdf"); }
-    ToolRun Run(std::vector<std::string> options, const std::string& url, const std::string& file) {
+    static std::vector<std::string> CommandLine(std::vector<std::string> options,
+                                                const std::string& url, const std::string& file) {
         options.insert(options.begin(), "download");
         options.push_back(url);
         options.push_back(file);
-        return RunTool(options);
+        return options;
+    }
+    static ToolRun Run(const std::vector<std::string>& options, const std::string& url,
+                       const std::string& file) {
+        return RunTool(CommandLine(options, url, file));
+    }
+    // The file, for those who come with these credentials.
+    Answer Guarded(const std::string& credentials) const {
+        Answer answer;
+        answer.choose =
+            [=, file = Bytes("application/pdf", m_content)](const ReceivedRequest& request) {
+                if (request.Header("Authorization") == credentials) return file;
+                Answer refusal = Html("no");
+                refusal.status = 401;
+                refusal.headers = {{"WWW-Authenticate", "Basic realm=\"lists\""}};
+                return refusal;
+            };
+        return answer;
     }
     // The names in the target's directory.
     std::vector<std::string> Files() const {
@@ -71,6 +89,39 @@ TEST_F(DownloadCommand, BringsTheFileInBothForms) {
     EXPECT_EQ(result["file"], Target());
     EXPECT_EQ(result["url"], m_server.Url("/list"));
     EXPECT_GE(result["elapsed_ms"], 0);
+}
+
+// Two looks of the progress pass before anything is typed: it must not cover the question.
+TEST_F(DownloadCommand, AsksForNameAndPasswordOnTheTerminal) {
+    m_server.Set("/guarded", Guarded("Basic bWU6c2VjcmV0"));
+    for (const auto& form : kForms) {
+        std::filesystem::remove(Target());
+        ToolOnTerminal tool(CommandLine(form, m_server.Url("/guarded"), Target()));
+        tool.TypeAfter("Name: ", "");
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        tool.TypeAfter("Name: ", "me\n");
+        tool.TypeAfter("Password: ", "secret\n");
+        const ToolRun run = tool.Wait();
+        EXPECT_EQ(run.exitStatus, 0) << run.output;
+        EXPECT_THAT(run.output, HasSubstr("Name: me\r\nPassword: \r\n"));
+        EXPECT_EQ(m_home.ReadFile("files/list.pdf"), m_content);
+    }
+}
+
+TEST_F(DownloadCommand, CtrlCIsAnAnswerToEachQuestion) {
+    m_server.Set("/guarded", Guarded("nobody"));
+    for (const auto& form : kForms) {
+        for (const bool isName : {true, false}) {
+            ToolOnTerminal tool(CommandLine(form, m_server.Url("/guarded"), Target()));
+            tool.TypeAfter("Name: ", isName ? "m\x03" : "me\n");
+            if (!isName) tool.TypeAfter("Password: ", "sec\x03");
+            const ToolRun run = tool.Wait();
+            EXPECT_EQ(run.exitStatus, 1) << run.output;
+            EXPECT_THAT(run.output, HasSubstr("the download was stopped"));
+            EXPECT_THAT(Files(), IsEmpty());
+            EXPECT_TRUE(tool.IsEchoing());
+        }
+    }
 }
 
 TEST_F(DownloadCommand, FollowsLinksAndWritesToDevices) {

@@ -10,6 +10,7 @@
 #include <ZrHbInet.h>
 #include <platform/CodePage.h>
 #include <platform/Internet.h>
+#include <platform/Prompt.h>
 #include <platform/Window.h>
 #include <strings.h>
 #include <sys/stat.h>
@@ -79,16 +80,36 @@ private:
     std::string m_name;
 };
 
+// Asks the user where the progress is shown otherwise.
+class PromptBesideProgress final : public platform::Prompt {
+public:
+    explicit PromptBesideProgress(TransferProgress& progress) : m_progress(progress) {}
+
+    int Ask(const CString& strText, UINT nType) override {
+        const auto silence = m_progress.Silence();
+        return Real().Ask(strText, nType);
+    }
+    bool AskCredentials(const CString& strText, CString& strName, CString& strPassword,
+                        const std::function<bool()>& isWithdrawn) override {
+        const auto silence = m_progress.Silence();
+        return Real().AskCredentials(strText, strName, strPassword, isWithdrawn);
+    }
+
+private:
+    TransferProgress& m_progress;
+    const platform::ScopedService<platform::Prompt> m_installed{*this};
+};
+
 DownloadEnd EndOf(bool isComplete) {
     if (isComplete) return DownloadEnd::complete;
     return Interrupt::IsRequested() ? DownloadEnd::stopped : DownloadEnd::failed;
 }
 
 // Looks at the file, and for Ctrl-C, while the library's blocking call has this thread.
-DownloadEnd DownloadHere(CZrHbInet& inet, const CString& url, const PartialFile& file) {
+DownloadEnd DownloadHere(CZrHbInet& inet, const CString& url, const PartialFile& file,
+                         TransferProgress& progress) {
     std::promise<void> over;
     std::thread watcher([&, hasEnded = over.get_future()] {
-        TransferProgress progress;
         while (hasEnded.wait_for(kLook) == std::future_status::timeout) {
             if (Interrupt::IsRequested()) inet.StopDownloadFile();
             progress.Update(file.Length(), std::nullopt);
@@ -154,12 +175,12 @@ void ServeMessages() {
     MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(kLook.count()), QS_ALLINPUT);
 }
 
-DownloadEnd DownloadInBackground(CZrHbInet& inet, const CString& url, const PartialFile& file) {
+DownloadEnd DownloadInBackground(CZrHbInet& inet, const CString& url, const PartialFile& file,
+                                 TransferProgress& progress) {
     const NotificationWindow window;
     if (!inet.StartDownloadFile2(eAppGroup_2, url, CString(std::string_view(file.Name())),
                                  window.Object()))
         throw SystemError("the download could not be started");
-    TransferProgress progress;
     while (!t_notified.end) {
         if (Interrupt::IsRequested()) inet.StopDownloadFile();
         ServeMessages();
@@ -185,9 +206,11 @@ DownloadResult Download(const DownloadOptions& options) {
     const auto begin = std::chrono::steady_clock::now();
     DownloadResult result;
     {
+        TransferProgress progress;
+        const PromptBesideProgress prompt(progress);
         CZrHbInet inet;
-        result.end = options.background ? DownloadInBackground(inet, url, file)
-                                        : DownloadHere(inet, url, file);
+        result.end = options.background ? DownloadInBackground(inet, url, file, progress)
+                                        : DownloadHere(inet, url, file, progress);
     }
     result.length = file.Length();
     result.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(

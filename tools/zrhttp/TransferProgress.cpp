@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <iterator>
+#include <utility>
 
 #include <unistd.h>
 
@@ -50,7 +51,17 @@ TransferProgress::TransferProgress()
     : m_isTerminal(IsTerminal(STDERR_FILENO)), m_begin(std::chrono::steady_clock::now()) {}
 
 TransferProgress::~TransferProgress() {
-    if (m_hasLine) std::fputs("\r\033[K", stderr);
+    RemoveLine();
+}
+
+void TransferProgress::RemoveLine() {
+    if (std::exchange(m_hasLine, false)) std::fputs("\r\033[K", stderr);
+}
+
+std::unique_lock<std::mutex> TransferProgress::Silence() {
+    std::unique_lock lock(m_mutex);
+    RemoveLine();
+    return lock;
 }
 
 std::string TransferProgress::LineOf(std::uint64_t bytes, std::optional<int> percent) const {
@@ -68,6 +79,8 @@ std::string TransferProgress::LineOf(std::uint64_t bytes, std::optional<int> per
 }
 
 void TransferProgress::Update(std::uint64_t bytes, std::optional<int> percent) {
+    const std::unique_lock lock(m_mutex, std::try_to_lock);
+    if (!lock) return;
     if (m_isTerminal) {
         std::fprintf(stderr, "\r\033[K%s", LineOf(bytes, percent).c_str());
         std::fflush(stderr);

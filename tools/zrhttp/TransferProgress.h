@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -17,13 +18,18 @@ public:
     TransferProgress(const TransferProgress&) = delete;
     TransferProgress& operator=(const TransferProgress&) = delete;
 
-    // percent: nothing while the length is not known.
+    // Any thread. percent: nothing while the length is not known.
     void Update(std::uint64_t bytes, std::optional<int> percent);
+    // Any thread. Removes the line; while the result lives, nothing is shown.
+    std::unique_lock<std::mutex> Silence();
 
 private:
     std::string LineOf(std::uint64_t bytes, std::optional<int> percent) const;
 
+    void RemoveLine();
+
     const bool m_isTerminal;
+    std::mutex m_mutex; // held by who writes to the terminal
     bool m_hasLine = false;
     int m_tenthsShown = 0;
     std::chrono::steady_clock::time_point m_begin;

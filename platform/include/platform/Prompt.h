@@ -1,6 +1,8 @@
 // Questions to the user.
 #pragma once
 
+#include <functional>
+
 #include <platform/Export.h>
 #include <platform/Services.h>
 #include <platform/String.h>
@@ -30,8 +32,11 @@ public:
     // Shows the text and asks for a name and a password; false when the user gives none. The real
     // one asks on the terminal as above, without showing the password; otherwise it reports that
     // there is nobody to ask. Nobody answers unless a prompt says otherwise.
+    // isWithdrawn: called on this thread, ten times a second, while the user has not answered;
+    // once it says true, the question ends without an answer.
     virtual bool AskCredentials(const CString& /*strText*/, CString& /*strName*/,
-                                CString& /*strPassword*/) {
+                                CString& /*strPassword*/,
+                                const std::function<bool()>& /*isWithdrawn*/) {
         return false;
     }
 };

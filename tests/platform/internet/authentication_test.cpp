@@ -27,7 +27,8 @@ public:
     AnsweringPrompt(std::initializer_list<std::pair<CString, CString>> answers)
         : m_answers(answers) {}
     int Ask(const CString&, UINT) override { return IDCANCEL; }
-    bool AskCredentials(const CString& strText, CString& strName, CString& strPassword) override {
+    bool AskCredentials(const CString& strText, CString& strName, CString& strPassword,
+                        const std::function<bool()>&) override {
         questions.emplace_back(strText.View());
         if (m_answers.empty()) return false;
         std::tie(strName, strPassword) = m_answers.front();
@@ -137,11 +138,14 @@ TEST(Authentication, AUrlsOwnAreForItsOriginOnly) {
 TEST(Authentication, AnswersOnATerminal) {
     const auto answer = [](const char* lines) {
         std::istringstream input(lines);
+        const auto readLine = [&](std::string& line) {
+            return static_cast<bool>(std::getline(input, line));
+        };
         std::ostringstream output;
         CString strName;
         CString strPassword;
-        const bool isGiven = platform::AskNameOnTerminal(input, output, "Who?", strName) &&
-                             platform::AskPasswordOnTerminal(input, output, strPassword);
+        const bool isGiven = platform::AskNameOnTerminal(readLine, output, "Who?", strName) &&
+                             platform::AskPasswordOnTerminal(readLine, output, strPassword);
         return isGiven ? std::string((strName + "/" + strPassword).View()) : "none";
     };
     EXPECT_EQ("me/p\xFC 1", answer("me\np\xC3\xBC 1\r\n"));

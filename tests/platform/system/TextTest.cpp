@@ -82,6 +82,13 @@ TEST(UrlForLog, ShowsNoSecrets) {
         EXPECT_EQ(UrlForLog(url), shown) << url;
 }
 
+int AskForButton(const std::string& typed, std::ostream& output, const CString& text, UINT type) {
+    std::istringstream input(typed);
+    return AskOnTerminal(
+        [&](std::string& line) { return static_cast<bool>(std::getline(input, line)); }, output,
+        text, type);
+}
+
 TEST(TerminalPrompt, TakesTheButtonOrTheHarmlessOne) {
     const std::tuple<const char*, UINT, int> kCases[] = {
         {"Yes\n", MB_YESNO, IDYES},
@@ -94,9 +101,8 @@ TEST(TerminalPrompt, TakesTheButtonOrTheHarmlessOne) {
         {"", MB_OK, IDOK},
     };
     for (const auto& [lines, type, answer] : kCases) {
-        std::istringstream input(lines);
         std::ostringstream output;
-        EXPECT_EQ(AskOnTerminal(input, output, "Go on?", type), answer) << lines;
+        EXPECT_EQ(AskForButton(lines, output, "Go on?", type), answer) << lines;
     }
 }
 
@@ -115,9 +121,8 @@ TEST(Prompt, WithNobodyThereTheLogTellsTheFirstLineOnly) {
 }
 
 TEST(TerminalPrompt, CannotBeSteeredByTheText) {
-    std::istringstream input("o\n");
     std::ostringstream output;
-    AskOnTerminal(input, output, "f\xFCr\x1B[2J\x9D\nzwei", MB_OK);
+    AskForButton("o\n", output, "f\xFCr\x1B[2J\x9D\nzwei", MB_OK);
     EXPECT_EQ(output.str(), "f\xC3\xBCr\xEF\xBF\xBD[2J\xEF\xBF\xBD\nzwei\n[O]K > ");
 }
 
