@@ -2,8 +2,6 @@
 // Input: a byte (its lowest bit makes a secret field, the next one removes a field again), a name,
 // LF, a value up to the next byte 0x01, and so on.
 
-#include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,13 +12,6 @@
 namespace {
 
 using Fields = std::vector<std::pair<std::string, std::string>>;
-
-std::string_view TakeUpTo(std::string_view& rest, std::string_view end) {
-    const std::size_t found = rest.find(end);
-    const std::string_view taken = rest.substr(0, found);
-    rest.remove_prefix(found == rest.npos ? rest.size() : found + end.size());
-    return taken;
-}
 
 void Expect(std::string_view& rest, std::string_view text) {
     Check(rest.starts_with(text));
@@ -49,14 +40,14 @@ Fields Fill(CZrHbDataTransmit& form, std::string_view input) {
     while (!input.empty()) {
         const char flags = input.front();
         input.remove_prefix(1);
-        std::string_view pair = TakeUpTo(input, "\x01");
-        const std::string name = WithoutDelimiters(TakeUpTo(pair, "\n"));
+        std::string_view pair = TakeUntil(input, "\x01");
+        const std::string name = WithoutDelimiters(TakeUntil(pair, "\n"));
         const std::string cutName = name.c_str();
         const int result =
             form.SetField(CString(name), CString(pair),
                           static_cast<CZrHbDataTransmit::EZrHbDataConfidentialityType>(flags & 1));
         Check((result == 1) == !cutName.empty());
-        if (!cutName.empty()) Set(fields, cutName, TakeUpTo(pair, std::string_view("\0", 1)));
+        if (!cutName.empty()) Set(fields, cutName, TakeUntil(pair, std::string_view("\0", 1)));
         if (!(flags & 2)) continue;
         form.RemoveField(CString(name));
         std::erase_if(fields, [&](const auto& field) { return field.first == cutName; });
@@ -70,27 +61,11 @@ Fields ReadMultipart(std::string_view body, const std::string& boundary) {
     Expect(body, "--" + boundary);
     while (body != "--\r\n") {
         Expect(body, "\r\nContent-Disposition: form-data; name=\"");
-        const std::string_view name = TakeUpTo(body, "\"\r\n\r\n");
-        fields.emplace_back(name, TakeUpTo(body, "\r\n--" + boundary));
+        const std::string_view name = TakeUntil(body, "\"\r\n\r\n");
+        fields.emplace_back(name, TakeUntil(body, "\r\n--" + boundary));
         Check(!body.empty());
     }
     return fields;
-}
-
-std::string DecodeValue(std::string_view encoded) {
-    std::string value;
-    while (!encoded.empty()) {
-        const char ch = encoded.front();
-        encoded.remove_prefix(1);
-        if (ch == '%') {
-            Check(encoded.size() >= 2);
-            value += static_cast<char>(std::stoi(std::string(encoded.substr(0, 2)), nullptr, 16));
-            encoded.remove_prefix(2);
-        } else {
-            value += ch == '+' ? ' ' : ch;
-        }
-    }
-    return value;
 }
 
 Fields ReadPairs(std::string_view text) {
@@ -100,9 +75,9 @@ Fields ReadPairs(std::string_view text) {
     // An empty pair behind the last "&" would be lost, if there were one.
     Check(!text.empty() && text.back() != '&');
     while (!text.empty()) {
-        std::string_view pair = TakeUpTo(text, "&");
-        const std::string name(TakeUpTo(pair, "="));
-        fields.emplace_back(name, DecodeValue(pair));
+        std::string_view pair = TakeUntil(text, "&");
+        const std::string name(TakeUntil(pair, "="));
+        fields.emplace_back(name, UrlDecoded(pair));
     }
     return fields;
 }
@@ -110,7 +85,7 @@ Fields ReadPairs(std::string_view text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    const std::string_view input = AsText(data, size);
     std::string boundary = "B";
     while (input.find(boundary) != input.npos)
         boundary += 'B';

@@ -1,19 +1,15 @@
 // The first line is the order, the rest a header block.
-#include <algorithm>
-#include <string_view>
-
 #include <ZrHbHttpHeaders.h>
 
 #include "Check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view input(reinterpret_cast<const char*>(data), size);
-    const std::size_t lineEnd = std::min(input.find('\n'), input.size());
-    CZrHbHttpHeaders headers;
-    headers.AddHeaders(CString(input.substr(lineEnd)), CZrHbHttpHeaders::eAddHandling_Replace);
-    const CString block = headers.GetHeaders();
+    std::string_view rest = AsText(data, size);
     CStringArray order;
-    order.Add(CString(input.substr(0, lineEnd)));
+    order.Add(CString(TakeUntil(rest, "\n")));
+    CZrHbHttpHeaders headers;
+    headers.AddHeaders(CString(rest), CZrHbHttpHeaders::eAddHandling_Replace);
+    const CString block = headers.GetHeaders();
     headers.SetHeaderOrder(order);
     const CString ordered = headers.GetHeaders();
     Check(ordered.GetLength() == block.GetLength());

@@ -56,9 +56,9 @@ void CheckEditing(const platform::IniDocument& before, std::string_view section,
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > 4096) return 0; // all entries are looked for in the whole text
     std::string_view input = AsText(data, size);
-    const std::string_view section = TakeUntil(input, '\n');
-    const std::string_view key = TakeUntil(input, '\n');
-    const std::string_view value = TakeUntil(input, '\n');
+    const std::string_view section = TakeUntil(input, "\n");
+    const std::string_view key = TakeUntil(input, "\n");
+    const std::string_view value = TakeUntil(input, "\n");
     const platform::IniDocument document{std::string(input)};
     const platform::IniIndex index("", std::string(input));
     Check(index.Find(section, key) == document.Find(section, key));

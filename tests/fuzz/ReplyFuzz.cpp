@@ -1,17 +1,13 @@
 // The first line is the name asked for, the rest the message.
-#include <algorithm>
-#include <string_view>
-
 #include <ZrHbBrightrelayReply.h>
 
 #include "Check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view input(reinterpret_cast<const char*>(data), size);
-    const std::size_t lineEnd = std::min(input.find('\n'), input.size());
-    const CString name(input.substr(0, lineEnd));
+    std::string_view rest = AsText(data, size);
+    const CString name(TakeUntil(rest, "\n"));
     CZrHbBrightrelayReply reply;
-    const int isFound = reply.Init(CString(input.substr(lineEnd)));
+    const int isFound = reply.Init(CString(rest));
     CString error;
     Check(isFound == reply.IsObjectInitialized());
     Check(reply.GetLastParserError(error) == (isFound ? 0 : -1) && error.IsEmpty() == !!isFound);
