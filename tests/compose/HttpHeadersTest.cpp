@@ -62,13 +62,10 @@ TEST(HttpHeaders, BlocksAreTakenLineByLine) {
         int result;
         const char* pszHeaders;
     } cases[] = {
-        {"A: 1\r\nB: 2", 1, "A: 1\r\nB: 2\r\n\r\n"},
         {"A: 1\r\nB: 2\r\n", 0, "A: 1\r\nB: 2\r\n\r\n"},
         {"A:   1  \r\nA : 2", 1, "A: 1  \r\nA : 2\r\n\r\n"},
         {"A: 1\r\nno colon\r\n: nameless\r\nempty: \r\nB:2", 0, "A: 1\r\nB: 2\r\n\r\n"},
         {"A: 1\nB: 2\rC: 3", 1, "A: 1\nB: 2\rC: 3\r\n\r\n"},
-        {"A: 1\r\n folded: 2", 1, "A: 1\r\n folded: 2\r\n\r\n"},
-        {"\r\n\r\n", 0, ""},
         {"", 0, ""},
     };
     for (const auto& one : cases) {
@@ -79,26 +76,22 @@ TEST(HttpHeaders, BlocksAreTakenLineByLine) {
     }
 }
 
-TEST(HttpHeaders, NamesAreExactAndTheirHandlingCounts) {
+TEST(HttpHeaders, AreOrderedWhenTheyArePrinted) {
     Headers headers;
-    EXPECT_EQ(headers.AddHeaderFieldText(ZrHbHeader::kAccept, "1", kNoHandling), 1);
-    EXPECT_EQ(headers.AddHeaderFieldText("accept", "2", kNoHandling), 1);
-    EXPECT_EQ(headers.AddHeaderFieldText("Accept", "3", kNoHandling), 0);
-    EXPECT_EQ(headers.AddHeaderFieldText("Accept", "4", Headers::eAddHandling_KeepExisting), 1);
-    EXPECT_STREQ(headers.GetHeaderFieldValue("Accept"), "1");
-    EXPECT_EQ(headers.AddHeaderFieldText("Accept", "5", Headers::eAddHandling_Replace), 1);
+    headers.AddHeaderFieldText(ZrHbHeader::kAccept, "1", kNoHandling);
+    headers.AddHeaderFieldText("accept", "2", kNoHandling);
     EXPECT_EQ(headers.AddHeaderFieldNumeric(ZrHbHeader::kAge, 4294967295, kNoHandling), 1);
+    EXPECT_STREQ(headers.GetHeaderFieldValue("accept"), "2");
     EXPECT_STREQ(headers.GetHeaderFieldValue("ACCEPT"), "");
 
     const Headers copy(headers);
     headers.SetHeaderOrder(ArrayOf({"Age", "Age", "Host", "accept"}));
-    EXPECT_STREQ(headers.GetHeaders(), "Age: 4294967295\r\naccept: 2\r\nAccept: 5\r\n\r\n");
-    EXPECT_STREQ(copy.GetHeaders(), "Accept: 5\r\naccept: 2\r\nAge: 4294967295\r\n\r\n");
     Headers assigned;
     assigned = headers;
     headers.SetHeaderOrder({});
-    EXPECT_STREQ(headers.GetHeaders(), copy.GetHeaders());
-    EXPECT_STREQ(assigned.GetHeaders(), "Age: 4294967295\r\naccept: 2\r\nAccept: 5\r\n\r\n");
+    for (const Headers* unordered : {&copy, &std::as_const(headers)})
+        EXPECT_STREQ(unordered->GetHeaders(), "Accept: 1\r\naccept: 2\r\nAge: 4294967295\r\n\r\n");
+    EXPECT_STREQ(assigned.GetHeaders(), "Age: 4294967295\r\naccept: 2\r\nAccept: 1\r\n\r\n");
 }
 
 TEST(HttpHeaders, EqualTheLiteralRules) {
@@ -135,11 +128,8 @@ TEST(UserAgent, TakesOverTheCommentAtTheEnd) {
         {" \tMozilla/5.0 (a) x (b)\r\n", "(a) x (b)"},
         {"Mozilla/5.0 (X11) Safari/537.36", "(compatible)"},
         {"(compatible; X)", "(compatible)"},
-        {"x(yz)", "(yz)"},
         {"Abc", "Abc"},
-        {"(ab)", "(ab)"},
         {"  ", "(compatible)"},
-        {"", "(compatible)"},
     };
     for (const auto& [browser, comment] : cases)
         EXPECT_STREQ(VeltrumUserAgent(browser), CString("VELTRUM e-banking Software ") + comment)
@@ -156,7 +146,6 @@ TEST(UserAgent, IsAskedForAgainWithTheRoomThatItNeeds) {
         };
     };
     const std::string large(5000, 'x');
-    EXPECT_EQ(AnswerOf(answerWith("text", E_FAIL)), "text");
     EXPECT_EQ(AnswerOf(answerWith(std::string("text\0", 5), E_FAIL)), "text");
     EXPECT_EQ(AnswerOf(answerWith("text", E_FAIL, E_OUTOFMEMORY)), "text");
     EXPECT_EQ(AnswerOf(answerWith("text", E_FAIL, E_FAIL)), "");

@@ -1,6 +1,5 @@
 #include <ZrHbMultipartForm.h>
 
-#include <fstream>
 #include <random>
 #include <string>
 #include <thread>
@@ -58,10 +57,8 @@ TEST(MultipartForm, LineEndsComeOutAsByReplacingThemTwice) {
 TEST(MultipartForm, TakesTextFromFiles) {
     const TemporaryHome home;
     home.WriteFile("drive_c/f", "a\nb");
-    home.WriteFile("drive_c/empty", "");
     const CString gone = "Cannot read file 'c:\\gone': The system cannot find the file specified.";
-    const CString cases[][3] = {
-        {"c:\\f", "a\nb", ""}, {"c:\\empty", "", ""}, {"c:\\gone", "", gone}};
+    const CString cases[][3] = {{"c:\\f", "a\nb", ""}, {"c:\\gone", "", gone}};
     for (const auto& [path, content, reason] : cases) {
         CString strErrs[3];
         EXPECT_EQ(Form::MultipartAttachFromFile("f", path, strErrs[0]),
@@ -89,17 +86,14 @@ TEST(MultipartForm, AppendsTheBytesOfFilesToBuffers) {
     };
     const std::string head = (kHead + "n\"; filename=\"f\"\r\nt\r\n\r\n").GetString();
     EXPECT_EQ(attach(home.Path("f").c_str()), 1);
-    // Files without a size: what another thread writes, and what the system makes up.
+    // A file without a size: what another thread writes.
     ASSERT_EQ(::mkfifo(home.Path("pipe").c_str(), 0600), 0);
     std::thread writer([&] { home.WriteFile("pipe", bytes); });
     EXPECT_EQ(attach(home.Path("pipe").c_str()), 1);
     writer.join();
-    EXPECT_EQ(attach("/proc/version"), 1);
     EXPECT_EQ(strErr, "");
-    std::ifstream version("/proc/version");
     const std::string part = head + bytes + "\r\n";
-    std::string expected = "before" + part + part + head +
-                           std::string(std::istreambuf_iterator<char>(version), {}) + "\r\n";
+    std::string expected = "before" + part + part;
     EXPECT_EQ(body.GetString(), CString(expected));
 
     // What fails leaves the part's head, also when it fails after it was opened.

@@ -13,28 +13,44 @@ using test_support::ScopedVariable;
 using testing::AllOf;
 using testing::HasSubstr;
 
-TEST(Doctor, ReportsAWorkingInstallation) {
+class Doctor : public testing::Test {
+protected:
+    // A program that the test makes and calls a browser.
+    std::string MakeBrowser(const char* script) const {
+        home.WriteFile("browser", std::string("#!/bin/sh\n") + script);
+        const std::string file = home.Path("browser");
+        chmod(file.c_str(), 0700);
+        return file;
+    }
+
     const test_support::TemporaryHome home;
+    const ScopedVariable display{"DISPLAY", nullptr};
+};
+
+TEST_F(Doctor, ReportsAWorkingInstallation) {
+    const std::string file = MakeBrowser("echo \"Chromium 9 $1\"; echo more");
+    const ScopedVariable browser("ZRHTTP_BROWSER", file.c_str());
     const ScopedVariable legacy("ZRHTTP_LEGACY_SYSTEM", "1");
     home.WriteFile("settings/platform.ini", "[Platform]\nZRHTTP_HEADLESS=1\n");
     const auto run = RunTool({"doctor"});
     EXPECT_EQ(run.exitStatus, 0) << run.output;
-    EXPECT_THAT(run.output, AllOf(HasSubstr("ZRHTTP_LEGACY_SYSTEM  1  (environment)"),
-                                  HasSubstr("ZRHTTP_HEADLESS       1  (platform.ini)"),
-                                  HasSubstr("ZRHTTP_CONTROL        builtin  (default)"),
-                                  HasSubstr(home.Path("settings") + "  (writable)"),
-                                  HasSubstr(home.Path("log") + "  (made when needed)"),
-                                  HasSubstr("text/plain, text/html"), HasSubstr("libcurl")));
+    EXPECT_THAT(run.output,
+                AllOf(HasSubstr("ZRHTTP_LEGACY_SYSTEM  1  (environment)"),
+                      HasSubstr("ZRHTTP_HEADLESS       1  (platform.ini)"),
+                      HasSubstr("ZRHTTP_CONTROL        builtin  (default)"),
+                      HasSubstr(home.Path("settings") + "  (writable)"),
+                      HasSubstr(home.Path("log") + "  (made when needed)"),
+                      HasSubstr("text/plain, text/html"), HasSubstr("libcurl"),
+                      HasSubstr(file + "  (Chromium 9 --version)"), HasSubstr("sandbox  ")));
 }
 
-TEST(Doctor, NamesEachProblemAndWhatToDo) {
-    const test_support::TemporaryHome home;
+TEST_F(Doctor, NamesEachProblemAndWhatToDo) {
     home.WriteFile("blocked", "a file where a directory is needed");
     const ScopedVariable root("ZRHTTP_HOME", home.Path("blocked").c_str());
     const ScopedVariable certificates("ZRHTTP_CA_FILE", home.Path("none.pem").c_str());
     const ScopedVariable engine("ZRHTTP_CONTROL", "netscape\033[2J");
     const ScopedVariable headless("ZRHTTP_HEADLESS", nullptr);
-    const ScopedVariable display("DISPLAY", "127.0.0.1:9999999"); // no such port
+    const ScopedVariable noSuchPort("DISPLAY", "127.0.0.1:9999999");
     const auto run = RunTool({"doctor"});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_THAT(run.output,
@@ -46,40 +62,19 @@ TEST(Doctor, NamesEachProblemAndWhatToDo) {
                       HasSubstr("The display does not answer")));
 }
 
-// A program that a test makes and calls a browser.
-std::string MakeProgram(const test_support::TemporaryHome& home, const char* script) {
-    home.WriteFile("browser", std::string("#!/bin/sh\n") + script);
-    const std::string file = home.Path("browser");
-    chmod(file.c_str(), 0700);
-    return file;
-}
-
-TEST(Doctor, AsksChromiumForItsVersion) {
-    const test_support::TemporaryHome home;
-    const ScopedVariable display("DISPLAY", nullptr);
-    const std::string file = MakeProgram(home, "echo \"Chromium 9 $1\"; echo more");
-    const ScopedVariable browser("ZRHTTP_BROWSER", file.c_str());
-    const auto run = RunTool({"doctor"});
-    EXPECT_EQ(run.exitStatus, 0) << run.output;
-    EXPECT_THAT(run.output, HasSubstr(file + "  (Chromium 9 --version)"));
-    EXPECT_THAT(run.output, HasSubstr("sandbox  "));
-}
-
-TEST(Doctor, ChromiumIsAProblemOnlyWhereAnEngineNeedsIt) {
-    const test_support::TemporaryHome home;
-    const ScopedVariable display("DISPLAY", nullptr);
-    const std::string broken = MakeProgram(home, "echo Chromium 9; exit 1");
-    for (const std::string& file : {home.Path("none"), broken}) {
-        const ScopedVariable browser("ZRHTTP_BROWSER", file.c_str());
+TEST_F(Doctor, ChromiumIsAProblemOnlyWhereAnEngineNeedsIt) {
+    const std::string broken = MakeBrowser("echo Chromium 9; exit 1");
+    {
+        const ScopedVariable browser("ZRHTTP_BROWSER", broken.c_str());
         const auto run = RunTool({"doctor"});
         EXPECT_EQ(run.exitStatus, 1);
-        EXPECT_THAT(run.output, AllOf(HasSubstr(file + "  (cannot run)"),
+        EXPECT_THAT(run.output, AllOf(HasSubstr(broken + "  (cannot run)"),
                                       HasSubstr("Chromium does not tell its version"),
                                       HasSubstr("the package chromium")));
         const ScopedVariable builtin("ZRHTTP_APPLICATION", "builtin");
         EXPECT_EQ(RunTool({"doctor"}).exitStatus, 0);
     }
-    const ScopedVariable path("PATH", home.Path().c_str());
+    const ScopedVariable path("PATH", home.Path("empty").c_str());
     const auto missing = RunTool({"doctor"});
     EXPECT_EQ(missing.exitStatus, 1);
     EXPECT_THAT(missing.output, AllOf(HasSubstr("Chromium was not found."),
