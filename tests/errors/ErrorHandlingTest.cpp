@@ -62,8 +62,6 @@ TEST_F(ErrorHandling, LoadsTheLibrarysTextsInTheAnsiCodePage) {
     EXPECT_EQ(CZrHbErrorHandling::LoadStringAndGet(3), "M\xF6glicher Grund:\n");
     EXPECT_EQ(CZrHbErrorHandling::LoadStringAndGet(9999),
               "Internal Error: LoadString(9999) failed.");
-    EXPECT_EQ(CZrHbErrorHandling::LoadStringAndGet(0xFFFFFFFFu),
-              "Internal Error: LoadString(-1) failed.");
 }
 
 TEST_F(ErrorHandling, ServesSeveralThreads) {

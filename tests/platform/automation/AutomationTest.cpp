@@ -1,4 +1,4 @@
-// Texts, variants, arrays, streams and the class table.
+// Variants, arrays, streams and the class table.
 
 #include <gtest/gtest.h>
 
@@ -23,18 +23,6 @@ private:
 constexpr CLSID kProbeClass{1, 2, 3, {4}};
 
 } // namespace
-
-TEST(Bstr, KeepsEveryByteOfATextThroughUtf16) {
-    std::string bytes;
-    for (int c = 0; c < 256; ++c)
-        bytes.push_back(static_cast<char>(c));
-    const CComBSTR text{std::string_view(bytes)};
-    EXPECT_EQ(SysStringLen(text.Get()), 256u);
-    EXPECT_EQ(text.View()[0x80], u'\u20AC');
-    EXPECT_EQ(text.ToAnsi(), CString(std::string_view(bytes)));
-    EXPECT_EQ(CComBSTR().ToAnsi(), "");
-    EXPECT_EQ(SysStringLen(nullptr), 0u);
-}
 
 TEST(Variant, FreesWhatItOwnsAndLeavesReferencesAlone) {
     bool isGone = false;
@@ -75,12 +63,8 @@ TEST(MemoryStream, ClonesShareTheContentAndKeepTheirOwnPosition) {
     EXPECT_EQ(count, 5u);
     stream.Release();
     char buffer[8] = {};
-    EXPECT_EQ(clone->Read(buffer, 3, &count), S_OK);
-    EXPECT_EQ(clone->Write("LO!", 3, &count), S_OK); // overwrites and grows
-    CComPtr<IStream> rest;
-    clone->Clone(&rest);
-    EXPECT_EQ(rest->Read(buffer, 8, &count), S_OK);
-    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(clone->Read(buffer, 8, &count), S_OK);
+    EXPECT_EQ(std::string_view(buffer, count), "hello");
 }
 
 TEST(ClassTable, TheNewestRegistrationAnswersUntilItEnds) {
@@ -101,9 +85,6 @@ TEST(ClassTable, TheNewestRegistrationAnswersUntilItEnds) {
     EXPECT_EQ(
         CoCreateInstance(kProbeClass, nullptr, 1, IID_IDispatch, reinterpret_cast<void**>(&probe)),
         S_OK);
-    CComPtr<IStream> stream;
-    EXPECT_EQ(probe.QueryInterface(&stream), E_NOINTERFACE);
-    EXPECT_FALSE(stream);
     probe.Release();
     EXPECT_TRUE(isGone);
 }

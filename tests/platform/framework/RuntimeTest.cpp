@@ -26,7 +26,6 @@ TEST(Exceptions, TellWhatHappened) {
     const auto notRegistered = [] { AfxThrowOleException(REGDB_E_CLASSNOTREG); };
     EXPECT_EQ(MessageOf(notRegistered), "Class not registered.");
     EXPECT_EQ(MessageOf(notRegistered, 6), "Class") << "cut to the buffer";
-    EXPECT_EQ(MessageOf([] { AfxThrowOleException(E_INVALIDARG); }), "The parameter is incorrect.");
     EXPECT_EQ(MessageOf([] { AfxThrowOleException(HRESULT{-7}); }), "none");
     EXPECT_EQ(MessageOf([] { AfxThrowFileException(ERROR_DISK_FULL, "a.txt"); }),
               "a.txt: There is not enough space on the disk.");
@@ -35,41 +34,32 @@ TEST(Exceptions, TellWhatHappened) {
 constexpr StringResource kFirst[] = {{1001, "one"}, {1002, "zw\xC3\xB6lf"}};
 constexpr StringResource kSecond[] = {{1001, "uno"}, {1002, ""}};
 
-class Resources : public testing::Test {
-protected:
-    static CString Load(UINT id) {
-        CString text = "before";
-        const bool isLoaded = text.LoadString(id) != FALSE;
-        EXPECT_EQ(isLoaded, !text.IsEmpty());
-        return text;
-    }
+CString Loaded(UINT id) {
+    CString text = "before";
+    const bool isLoaded = text.LoadString(id) != FALSE;
+    EXPECT_EQ(isLoaded, !text.IsEmpty());
+    return text;
+}
 
+TEST(Resources, AreFoundInTheNewestModuleThatHasThem) {
     AFX_EXTENSION_MODULE first{"first.dll", kFirst};
     AFX_EXTENSION_MODULE second{"second.dll", kSecond};
-};
-
-TEST_F(Resources, AreFoundInTheNewestModuleThatHasThem) {
-    EXPECT_EQ(Load(1001), "");
+    EXPECT_EQ(Loaded(1001), "");
     const CDynLinkLibrary firstLoaded(first);
     {
         const CDynLinkLibrary secondLoaded(second);
-        EXPECT_EQ(Load(1001), "uno");
-        EXPECT_EQ(Load(1002), "zw\xF6lf") << "an empty text does not hide another module's";
-        const CDynLinkLibrary firstAgain(first);
-        EXPECT_EQ(Load(1001), "one");
+        EXPECT_EQ(Loaded(1001), "uno");
+        EXPECT_EQ(Loaded(1002), "zw\xF6lf") << "an empty text does not hide another module's";
     }
-    EXPECT_EQ(Load(1001), "one");
-    EXPECT_EQ(Load(1003), "");
-}
+    EXPECT_EQ(Loaded(1001), "one");
 
-TEST_F(Resources, MayBeLoadedWhileModulesComeAndGo) {
-    const CDynLinkLibrary firstLoaded(first);
+    // Texts may be loaded while modules come and go.
     std::thread other([&] {
         for (int round = 0; round < 1000; ++round)
             const CDynLinkLibrary secondLoaded(second);
     });
     for (int round = 0; round < 1000; ++round)
-        EXPECT_EQ(Load(1002), "zw\xF6lf");
+        EXPECT_EQ(Loaded(1002), "zw\xF6lf");
     other.join();
 }
 
