@@ -1,21 +1,6 @@
-#include <filesystem>
-
-#include <gmock/gmock.h>
-
-#include "support/RunTool.h"
-#include "support/TemporaryHome.h"
-
-using namespace test_support;
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
+#include "tools/ToolTest.h"
 
 namespace {
-
-using Words = std::vector<std::string>;
 
 ToolRun Form(Words words, std::string_view input = "") {
     words.insert(words.begin(), "form");

@@ -1,17 +1,6 @@
-#include <sys/stat.h>
-
-#include <gmock/gmock.h>
-
-#include "support/RunTool.h"
-#include "support/ScopedVariable.h"
-#include "support/TemporaryHome.h"
+#include "tools/ToolTest.h"
 
 namespace {
-
-using test_support::RunTool;
-using test_support::ScopedVariable;
-using testing::AllOf;
-using testing::HasSubstr;
 
 class Doctor : public testing::Test {
 protected:
@@ -23,7 +12,7 @@ protected:
         return file;
     }
 
-    const test_support::TemporaryHome home;
+    const TemporaryHome home;
     const ScopedVariable display{"DISPLAY", nullptr};
 };
 

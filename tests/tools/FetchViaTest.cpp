@@ -1,26 +1,11 @@
 // The ways to a browser: in this program, hidden in it, an application of its own. The builtin
 // engine stands behind all of them, so that no Chromium is needed.
 
-#include <csignal>
-#include <memory>
-#include <thread>
-
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-
-#include "support/RunTool.h"
-#include "support/ScopedVariable.h"
-#include "support/TemporaryHome.h"
-#include "support/TestServer.h"
-
-using namespace test_support;
-using testing::AllOf;
-using testing::HasSubstr;
+#include "tools/ToolTest.h"
 
 namespace {
 
-std::vector<std::string> FetchByApplication(const std::string& url,
-                                            std::vector<std::string> options) {
+Words FetchByApplication(const std::string& url, Words options) {
     options.insert(options.begin(), {"fetch", url, "--via", "application", "--engine", "builtin"});
     return options;
 }
@@ -45,24 +30,6 @@ TEST(FetchVia, EveryWayLoadsThePageAndPostsWithTheEngineAskedFor) {
     EXPECT_EQ(RunTool({"fetch", server.Url("/"), "--via", "application"}).exitStatus, 20);
     const ScopedVariable engine("ZRHTTP_APPLICATION", "builtin");
     EXPECT_EQ(RunTool({"fetch", server.Url("/"), "--via", "application"}).exitStatus, 0);
-}
-
-TEST(FetchVia, ApplicationCollectsUntilItIsIdle) {
-    TestServer server;
-    server.Set("/", Html("<frameset><frame src=a></frameset>"));
-    server.Set("/a", Html("<meta http-equiv=refresh content='0;url=b'>"));
-    server.Set("/b", Html("rechts"));
-    const auto run = RunTool(
-        FetchByApplication(server.Url("/"), {"--collect", "--json", "--idle-timeout", "1000"}));
-    EXPECT_EQ(run.exitStatus, 0) << run.error;
-    const auto result = nlohmann::json::parse(run.output);
-    EXPECT_EQ(result["code"], 0);
-    EXPECT_EQ(result["error"], "");
-    EXPECT_EQ(result["pages"].size(), 3u);
-    EXPECT_EQ(
-        RunTool(FetchByApplication("http://127.0.0.1:1/", {"--collect", "--idle-timeout", "1"}))
-            .exitStatus,
-        22);
 }
 
 TEST(FetchVia, PrefixesSimulateAndRecord) {

@@ -1,13 +1,6 @@
-#include <gmock/gmock.h>
-
-#include "support/RunTool.h"
+#include "tools/ToolTest.h"
 
 namespace {
-
-using test_support::RunTool;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 TEST(Usage, VersionAndHelpGoToStandardOutput) {
     EXPECT_THAT(RunTool({"version"}).output, StartsWith("zrhttp "));
@@ -21,7 +14,7 @@ TEST(Usage, VersionAndHelpGoToStandardOutput) {
 
 TEST(Usage, WrongCallsEndWithStatus2AndSayWhatIsWrong) {
     const std::string url = "http://127.0.0.1:1/";
-    const std::pair<std::vector<std::string>, std::string> calls[] = {
+    const std::pair<Words, std::string> calls[] = {
         {{}, "no subcommand"},
         {{"fetch"}, "URL is required"},
         {{"fetch", "http://127.0.0.1:1/\r\n"}, "control character"},
