@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <platform/LastError.h>
 
+#include "compose/Boundary.h"
 #include "compose/MultipartBody.h"
 #include "compose/ZrHbDataTransmit_Impl.h"
 #include "support/ManualClock.h"
@@ -171,6 +172,38 @@ TEST_F(DataTransmit, BoundariesLastUntilTheSetGrows) {
     form.GetMultipartData();
     EXPECT_EQ(form.GetBoundary(), "own");
     EXPECT_EQ(clock.SleepCount(), 3u);
+}
+
+// Gives boundaries of its own, each once.
+struct ScriptedBoundaries : BoundarySource {
+    std::string Draw(unsigned nAttempt) override { return boundaries.at(nAttempt); }
+    std::vector<std::string> boundaries;
+};
+
+TEST_F(DataTransmit, BoundariesThatOccurInTheDataAreReplaced) {
+    ScriptedBoundaries source;
+    const platform::ScopedService<BoundarySource> scoped(source);
+    for (const char ch : {'n', 'f', 'v', 's', 'x'})
+        source.boundaries.emplace_back(21, ch);
+    const auto text = [&](std::size_t i) { return CString(source.boundaries[i]); };
+    home.WriteFile(text(1).View(), "content");
+    form.SetField(text(0), "1", kPublic);
+    form.SetFile("f", PathOf(text(1)), kText, kPublic);
+    form.SetField("v", ">" + text(2), kPublic);
+    form.SetField("s", text(3), kSecret);
+    form.GetMultipartData(kMasked); // the boundary serves the plain data as well
+    EXPECT_EQ(form.GetBoundary(), text(4));
+}
+
+TEST(Boundary, AnAttemptMakesItAnotherWhenTheClockDoesNot) {
+    std::vector<std::string> drawn;
+    for (const unsigned attempt : {0U, 0U, 1U}) {
+        test_support::ManualClock standing;
+        const platform::ScopedService<platform::Clock> scoped(standing);
+        drawn.push_back(BoundarySource::Real().Draw(attempt));
+    }
+    EXPECT_EQ(drawn[0], drawn[1]);
+    EXPECT_NE(drawn[0], drawn[2]);
 }
 
 TEST(MultipartBody, SearchesTheBoundaryAsTheWholeBodyWouldBeSearched) {
