@@ -132,8 +132,8 @@ TEST_F(DownloadCommand, AFailureIsExplainedAndLeavesWhatWasThere) {
 
 TEST_F(DownloadCommand, RefusesWhatCannotBe) {
     ASSERT_EQ(mkfifo(m_home.Path("pipe").c_str(), 0600), 0);
-    for (const char* url : {"", "list.pdf", "ftp://bank.test/", "http://", "http://ba nk.test/",
-                            "file:///etc/passwd"}) {
+    for (const char* url : {"", "list.pdf", "//bank.test/", "ftp://bank.test/", "http://",
+                            "http://ba nk.test/", "file:///etc/passwd"}) {
         const auto run = Run({}, url, Target());
         EXPECT_EQ(run.exitStatus, 2) << url;
         EXPECT_THAT(run.error, StartsWith("zrhttp: URL: ")) << url;
@@ -146,6 +146,8 @@ TEST_F(DownloadCommand, RefusesWhatCannotBe) {
             EXPECT_THAT(run.error, StartsWith("zrhttp: cannot write '" + file + "': "));
         }
     EXPECT_EQ(Run({}, m_server.Url("/list"), "").error, "zrhttp: FILE: is empty\n");
+    const auto failed = Run({"--json"}, "http://127.0.0.1:1/list", Target());
+    EXPECT_EQ(json::parse(failed.output)["complete"], false);
     EXPECT_THAT(Files(), IsEmpty());
     EXPECT_THAT(m_server.Requests(), IsEmpty());
 }
@@ -173,11 +175,17 @@ TEST_F(DownloadCommand, InterruptStopsAndKeepsNothing) {
 }
 
 TEST_F(DownloadCommand, ShowsABarOnATerminal) {
-    const auto run =
-        RunToolOnTerminal({"download", "--background", m_server.Url("/list"), Target()});
-    EXPECT_EQ(run.exitStatus, 0);
+    Answer slow = Bytes("application/pdf", "");
+    slow.pieces = {std::string(30'000, 'x'), std::string(70'000, 'x')};
+    slow.pieceGate = std::make_shared<Gate>();
+    m_server.Set("/slow", slow);
+    ToolOnTerminal tool({"download", "--background", m_server.Url("/slow"), Target()});
+    tool.TypeAfter("[#######.................]  30 %  30.0 kB  ", "");
+    slow.pieceGate->Open();
+    const auto run = tool.Wait();
+    EXPECT_EQ(run.exitStatus, 0) << run.output;
     EXPECT_THAT(run.output, HasSubstr("[########################] 100 %  100.0 kB  "));
-    EXPECT_THAT(run.output, ContainsRegex("B/s  0:00 left"));
+    EXPECT_THAT(run.output, ContainsRegex("kB/s  0:[0-9][0-9] left"));
     EXPECT_TRUE(run.output.ends_with("\r\033[K")) << "the bar is removed";
 }
 

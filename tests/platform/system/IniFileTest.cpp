@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 
 #include "support/DiagnosticRecorder.h"
 #include "support/TemporaryHome.h"
+#include "system/IniDocument.h"
 
 namespace {
 
@@ -157,6 +159,26 @@ TEST_F(IniFileTest, AnUnreadableFileCountsAsMissingAndIsReportedButNeverReplaced
     std::filesystem::remove(file);
     ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); // reading must not wait for a writer
     EXPECT_EQ(Get("S", "k"), "-");
+}
+
+// Whatever the file holds, what is set is found, and nothing else changes its value.
+TEST(IniDocument, SetsInRandomTexts) {
+    std::mt19937 random(20101105);
+    const std::string pieces[] = {"[S]", "[t]", "a=1", "A = 2", "b=", "\n",    "\r\n", "\r",
+                                  ";",   " ",   "[",   "]",     "=",  "\"x\"", "junk"};
+    for (int round = 0; round < 3000; ++round) {
+        std::string text;
+        for (int i = 0; i < 12; ++i)
+            text += pieces[random() % std::size(pieces)];
+        const platform::IniDocument before(text);
+        platform::IniDocument document(text);
+        document.Set("s", "a", "set");
+        EXPECT_EQ(document.Find("S", "A"), "set") << ::testing::PrintToString(text);
+        EXPECT_EQ(document.Find("S", "b"), before.Find("S", "b")) << ::testing::PrintToString(text);
+        EXPECT_EQ(document.Find("T", "a"), before.Find("T", "a")) << ::testing::PrintToString(text);
+        document.Remove("s", "a");
+        EXPECT_NE(document.Find("s", "a").value_or(""), "set");
+    }
 }
 
 } // namespace
