@@ -18,7 +18,7 @@ HRESULT CreateByEngine(const char* pszSetting, Factory chromium, REFIID iid, voi
     const CString engine = GetSetting(pszSetting).value;
     if (engine == "builtin") return MakeObject<BuiltinBrowser>()->QueryInterface(iid, ppObject);
     if (engine == "chromium") return chromium(iid, ppObject);
-    ReportDiagnostic(Severity::failure, "Browser", __LINE__,
+    ReportDiagnostic(Severity::failure,
                      CString(pszSetting) + " names no browser engine: " + engine);
     return REGDB_E_CLASSNOTREG;
 }

@@ -40,7 +40,7 @@ private:
         const auto application =
             ChromiumApplication::Start(ChromiumApplication::Windows::none, error);
         if (application) return application->UserAgent();
-        ReportDiagnostic(Severity::failure, "Browser", __LINE__, CString(std::move(error)));
+        ReportDiagnostic(Severity::failure, CString(std::move(error)));
         return {};
     }
 

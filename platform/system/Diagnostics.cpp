@@ -13,8 +13,8 @@ DiagnosticSink SetDiagnosticSink(DiagnosticSink sink) {
     return installedSink.exchange(sink, std::memory_order_acq_rel);
 }
 
-void ReportDiagnostic(Severity severity, const char* pszSource, unsigned line,
-                      const CString& strText) {
+void ReportDiagnostic(Severity severity, const CString& strText, const char* pszSource,
+                      unsigned line) {
     if (const DiagnosticSink sink = installedSink.load(std::memory_order_acquire))
         sink(severity, pszSource, line, strText);
 }

@@ -41,7 +41,7 @@ int ReadIniText(const CString& localName, std::string& text) {
     CString report;
     report.Format("The settings file %s cannot be read and counts as missing: %s",
                   localName.GetString(), std::strerror(error));
-    ReportDiagnostic(Severity::failure, __FILE__, __LINE__, report);
+    ReportDiagnostic(Severity::failure, report);
     text.clear();
     return error;
 }

@@ -50,14 +50,14 @@ public:
         CString strReport;
         strReport.Format("Nobody to ask; answered %s to: %s", NameOf(button),
                          FirstLine(strText).GetString());
-        ReportDiagnostic(Severity::trace, __FILE__, __LINE__, strReport);
+        ReportDiagnostic(Severity::trace, strReport);
         return button;
     }
 
     bool AskCredentials(const CString& strText, CString& strName, CString& strPassword,
                         const std::function<bool()>& isWithdrawn) override {
         if (!IsSomebodyThere()) {
-            ReportDiagnostic(Severity::trace, __FILE__, __LINE__,
+            ReportDiagnostic(Severity::trace,
                              "Nobody to ask; gave no name and password to: " + FirstLine(strText));
             return false;
         }

@@ -43,7 +43,7 @@ std::optional<FileIdentity> IdentityOf(const std::string& name) {
 void Report(const std::string& name, const char* what, const std::string& detail) {
     CString text;
     text.Format("The registry %s %s %s", name.c_str(), what, detail.c_str());
-    ReportDiagnostic(Severity::failure, __FILE__, __LINE__, text);
+    ReportDiagnostic(Severity::failure, text);
 }
 
 // An empty file is an empty database to SQLite; it is made here because of its mode.

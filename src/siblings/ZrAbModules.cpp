@@ -13,7 +13,7 @@ CString ReadableDirectory(const CString& strDirectory) {
     std::error_code error;
     const auto kind = std::filesystem::status(strDirectory.GetString(), error).type();
     if (kind != std::filesystem::file_type::not_found)
-        platform::ReportDiagnostic(platform::Severity::failure, __FILE__, __LINE__,
+        platform::ReportDiagnostic(platform::Severity::failure,
                                    "The directory " + strDirectory + " cannot be read.");
     return CString();
 }

@@ -81,10 +81,12 @@ TEST_F(ErrorHandling, ServesSeveralThreads) {
 
 // Holds from load time on, without a call into the library.
 TEST_F(ErrorHandling, TheLibraryLogsWhatThePlatformReports) {
-    platform::ReportDiagnostic(platform::Severity::failure, "/a/Store.cpp", 5, "moved aside");
-    platform::ReportDiagnostic(platform::Severity::trace, "/a/Store.cpp", 6, "noted");
-    EXPECT_EQ(Log(), (Lines{"group 2\terror\tStore.cpp:5\tmoved aside",
-                            "group 2\ttrace\tStore.cpp:6\tnoted"}));
+    const unsigned line = __LINE__;
+    platform::ReportDiagnostic(platform::Severity::failure, "moved aside");
+    platform::ReportDiagnostic(platform::Severity::trace, "noted");
+    const auto place = [](unsigned at) { return "ErrorHandlingTest.cpp:" + std::to_string(at); };
+    EXPECT_EQ(Log(), (Lines{"group 2\terror\t" + place(line + 1) + "\tmoved aside",
+                            "group 2\ttrace\t" + place(line + 2) + "\tnoted"}));
 }
 
 } // namespace

@@ -128,8 +128,7 @@ void Navigation::OnHead(const PagePtr& page, const HeadReceived& head) {
 void Navigation::OnPage(const PagePtr& page, PageReceived& received) {
     Face(*page).SetReadyState(READYSTATE_INTERACTIVE); // also for a page without any bytes
     if (!received.problem.empty())
-        ReportDiagnostic(Severity::trace, "Browser", __LINE__,
-                         UrlForLog(page->url) + ": " + received.problem.c_str());
+        ReportDiagnostic(Severity::trace, UrlForLog(page->url) + ": " + received.problem.c_str());
     page->refresh = std::move(received.scan.refresh);
     StartFrames(page, received.scan.frames);
 }
@@ -186,8 +185,7 @@ bool Navigation::RefreshAtOnce(const PagePtr& page) {
         const std::string text = "more than " + std::to_string(kMaxImmediateRefreshes) +
                                  " immediate refreshes in a row; the last page stays";
         Face(*page).SetStatusText(text);
-        ReportDiagnostic(Severity::failure, "Browser", __LINE__,
-                         UrlForLog(page->url) + ": " + text.c_str());
+        ReportDiagnostic(Severity::failure, UrlForLog(page->url) + ": " + text.c_str());
         page->refresh.reset();
         return false;
     }
@@ -210,8 +208,7 @@ void Navigation::SettleState(Page& page) {
 }
 
 void Navigation::Fail(const PagePtr& page, const std::string& url, const std::string& reason) {
-    ReportDiagnostic(Severity::failure, "Browser", __LINE__,
-                     UrlForLog(url) + ": " + reason.c_str());
+    ReportDiagnostic(Severity::failure, UrlForLog(url) + ": " + reason.c_str());
     BrowserObject& face = Face(*page);
     page->url = url;
     page->refresh.reset();

@@ -173,8 +173,7 @@ void ChromiumApplication::KeepPage(const std::string& target, const std::string&
 std::unique_ptr<BrowserWindow> ChromiumApplication::TakeWindow() {
     auto window = m_watch ? m_watch->TakeWindow(kWindowPatience) : nullptr;
     if (m_watch && !window)
-        ReportDiagnostic(Severity::failure, "Browser", __LINE__,
-                         "Chromium has opened no window on the display");
+        ReportDiagnostic(Severity::failure, "Chromium has opened no window on the display");
     return window ? std::move(window) : MakeRememberedWindow();
 }
 

@@ -35,7 +35,7 @@ HRESULT ChromiumBrowser::Create(ChromiumApplication::Windows windows, REFIID iid
     // application: it starts none of its own until it has to.
     std::string error;
     if (!PopUpScope::IsOpen() && !browser->Launch(error)) {
-        ReportDiagnostic(Severity::failure, "Browser", __LINE__, CString(error));
+        ReportDiagnostic(Severity::failure, CString(error));
         return FindChromium() ? E_FAIL : REGDB_E_CLASSNOTREG;
     }
     return browser->QueryInterface(iid, ppObject);
@@ -93,7 +93,7 @@ HRESULT ChromiumBrowser::StartNavigation(NavigationRequest request) {
         SetStatusText(error);
         SetBusy(false);
         SetReadyState(READYSTATE_COMPLETE);
-        ReportDiagnostic(Severity::failure, "Browser", __LINE__, CString(error));
+        ReportDiagnostic(Severity::failure, CString(error));
         return E_INVALIDARG;
     }
     m_page->Loads().Navigate(std::move(request));

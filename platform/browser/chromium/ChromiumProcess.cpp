@@ -103,7 +103,7 @@ std::vector<std::string> Environment(const std::string& profile,
 void WarnAboutSandbox() {
     static const bool isWarned = [] {
         ReportDiagnostic(
-            Severity::trace, "Browser", __LINE__,
+            Severity::trace,
             "warning: Chromium runs without its sandbox, because this process is root's");
         return true;
     }();
@@ -114,7 +114,7 @@ void TrustFurtherCertificates(const std::string& profile) {
     const CString file = GetSetting("ZRHTTP_CA_FILE").value;
     std::string error;
     if (!file.IsEmpty() && !TrustCertificates(profile, file.GetString(), error))
-        ReportDiagnostic(Severity::failure, "Browser", __LINE__, CString(error));
+        ReportDiagnostic(Severity::failure, CString(error));
 }
 
 class RunningChromium final : public ChromiumProcess {

@@ -185,9 +185,9 @@ bool DevToolsPipe::ReadMessages() {
         m_reader.Feed({m_chunk.data(), static_cast<std::size_t>(count)},
                       [&](std::string_view text) { isInOrder = isInOrder && TakeMessage(text); });
     if (isInOrder && isShortEnough) return true;
-    ReportDiagnostic(Severity::failure, "Browser", __LINE__,
-                     isInOrder ? "the browser's message is longer than any can be"
-                               : "the browser sends what is no DevTools message");
+    ReportDiagnostic(Severity::failure, isInOrder
+                                            ? "the browser's message is longer than any can be"
+                                            : "the browser sends what is no DevTools message");
     return false;
 }
 

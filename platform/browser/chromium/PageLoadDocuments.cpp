@@ -183,8 +183,7 @@ void PageLoads::Fail(const DocumentLoadPtr& load, const std::string& reason, Aft
 }
 
 void PageLoads::ShowFailure(const DocumentLoadPtr& load, const std::string& reason) {
-    ReportDiagnostic(Severity::failure, "Browser", __LINE__,
-                     UrlForLog(load->url) + ": " + reason.c_str());
+    ReportDiagnostic(Severity::failure, UrlForLog(load->url) + ": " + reason.c_str());
     BrowserObject& face = Face(*load);
     face.SetDocument(nullptr);
     face.SetStatusText(reason);

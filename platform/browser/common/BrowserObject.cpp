@@ -49,8 +49,7 @@ HRESULT BrowserObject::Navigate2(VARIANT* URL, VARIANT* Flags, VARIANT*, VARIANT
     auto request = ParseNavigation(URL, Flags, PostData, Headers, error);
     if (!request) {
         m_statusText = error;
-        ReportDiagnostic(Severity::failure, "Browser", __LINE__,
-                         CString("cannot navigate: " + error));
+        ReportDiagnostic(Severity::failure, CString("cannot navigate: " + error));
         return E_INVALIDARG;
     }
     if (request->flags & navOpenInNewWindow) return StartNewWindow(std::move(*request));

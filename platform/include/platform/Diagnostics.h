@@ -19,8 +19,9 @@ using DiagnosticSink = void (*)(Severity severity, const char* pszSource, unsign
 
 // Returns the sink before. A null sink drops everything.
 DiagnosticSink SetDiagnosticSink(DiagnosticSink sink);
-void ReportDiagnostic(Severity severity, const char* pszSource, unsigned line,
-                      const CString& strText);
+// The place is the caller's own. (clang 14 has these, but not what std::source_location needs.)
+void ReportDiagnostic(Severity severity, const CString& strText,
+                      const char* pszSource = __builtin_FILE(), unsigned line = __builtin_LINE());
 
 // The URL without user information, query and fragment ("?..." stands for a query).
 CString UrlForLog(std::string_view url);
