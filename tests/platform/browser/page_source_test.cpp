@@ -5,6 +5,7 @@
 
 #include "platform/browser/BrowserSink.h"
 #include "platform/browser/TestBrowser.h"
+#include "support/PumpUntil.h"
 #include "support/TemporaryHome.h"
 #include "support/TestServer.h"
 
