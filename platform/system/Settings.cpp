@@ -26,6 +26,7 @@ constexpr KnownSetting kKnownSettings[] = {
     {"ZRHTTP_LEGACY_SYSTEM", "0", true},
     {"ZRHTTP_HOME", "", false}, // it decides where the file is
     {"ZRHTTP_CA_FILE", "", true},
+    {"ZRHTTP_REPEATED_POST", "0", true},
 };
 
 // The entry of platform.ini; empty when there is none.

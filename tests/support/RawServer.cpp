@@ -87,19 +87,24 @@ void RawServer::EndConnections() {
 }
 
 void RawServer::Serve(int connection) {
-    Answer(connection);
+    bool isKept = false;
+    while (Answer(connection, isKept))
+        isKept = true;
     const std::lock_guard lock(m_mutex);
     m_open.erase(connection);
     close(connection);
 }
 
-void RawServer::Answer(int connection) {
+// True when the connection is kept.
+bool RawServer::Answer(int connection, bool isKept) {
     const std::string head = ReceiveHead(connection);
-    if (head.empty()) return;
+    if (head.empty()) return false;
     const Reply reply = ReplyFor(head);
+    if (isKept && head.starts_with("POST ")) return false;
     SendAll(connection, reply.bytes);
     if (reply.gate) reply.gate->Wait();
     SendAll(connection, reply.rest);
+    return reply.bytes.find("\r\nConnection: keep-alive\r\n") != std::string::npos;
 }
 
 RawServer::Reply RawServer::ReplyFor(const std::string& request) {

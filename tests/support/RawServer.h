@@ -1,5 +1,7 @@
 // A loopback server that sends exactly the bytes it is told to and then closes the connection: for
-// replies that no proper server would give.
+// replies that no proper server would give. After a reply that says so ("Connection: keep-alive")
+// it keeps the connection, until a request without a reply or a POST comes: as by one that was
+// about to close it, that is read and not answered.
 #pragma once
 
 #include <atomic>
@@ -40,7 +42,7 @@ private:
     void Listen();
     void EndConnections();
     void Serve(int connection);
-    void Answer(int connection);
+    bool Answer(int connection, bool isKept);
     Reply ReplyFor(const std::string& request);
 
     int m_listener = -1;

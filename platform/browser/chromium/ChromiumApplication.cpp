@@ -6,6 +6,7 @@
 #include "browser/chromium/Base64.h"
 #include "browser/chromium/ChromiumBrowser.h"
 #include "browser/chromium/KeptApplications.h"
+#include "browser/chromium/PostGuard.h"
 #include "browser/common/NavigationRequest.h"
 
 namespace platform {
@@ -77,6 +78,7 @@ bool ChromiumApplication::Greet(std::string& error) {
         m_patience);
     WaitFor([&] { return isAnswered; });
     if (!m_context.empty()) {
+        connection.Posts().Watch(m_context);
         // Nothing that pages offer for download lands on the disk.
         connection.Send({}, "Browser.setDownloadBehavior",
                         {{"behavior", "deny"}, {"browserContextId", m_context}});

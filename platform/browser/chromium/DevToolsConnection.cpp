@@ -3,9 +3,11 @@
 #include <map>
 
 #include <platform/Apartment.h>
+#include <platform/Settings.h>
 
 #include "browser/chromium/DevToolsPipe.h"
 #include "browser/chromium/DevToolsValues.h"
+#include "browser/chromium/PostGuard.h"
 
 namespace platform {
 namespace {
@@ -17,7 +19,8 @@ Json TakeObject(Json& message, const char* pszKey) {
 
 class PipeConnection final : public DevToolsConnection {
 public:
-    explicit PipeConnection(std::shared_ptr<DevToolsPipe> pipe) : m_pipe(std::move(pipe)) {}
+    PipeConnection(std::shared_ptr<DevToolsPipe> pipe, std::shared_ptr<PostGuard> posts)
+        : m_pipe(std::move(pipe)), m_posts(std::move(posts)) {}
     ~PipeConnection() override { Close(); }
 
     void SetEventHandler(EventHandler handler) override { m_onEvent = std::move(handler); }
@@ -29,6 +32,7 @@ public:
         return m_pipe->Wait(patience);
     }
     void Close() override;
+    PostGuard& Posts() override { return *m_posts; }
     bool IsOpen() const override { return m_pipe->IsOpen(); }
     std::string ErrorOutput() const override { return m_pipe->ErrorOutput(); }
 
@@ -38,6 +42,7 @@ private:
     void HandleEnd();
 
     const std::shared_ptr<DevToolsPipe> m_pipe;
+    const std::shared_ptr<PostGuard> m_posts;
     EventHandler m_onEvent;
     std::function<void()> m_onEnd;
     std::map<int, ReplyHandler> m_calls;
@@ -123,9 +128,14 @@ std::shared_ptr<DevToolsConnection> DevToolsConnection::Start(OwnedDescriptor to
                                                               OwnedDescriptor errorOutput) {
     const auto pipe = std::make_shared<DevToolsPipe>(std::move(toBrowser), std::move(fromBrowser),
                                                      std::move(errorOutput));
-    const auto connection = std::make_shared<PipeConnection>(pipe);
-    pipe->Start([apartment = Apartment::OfThisThread(),
-                 weak = std::weak_ptr<DevToolsConnection>(connection)] {
+    const auto posts = std::make_shared<PostGuard>(
+        [weak = std::weak_ptr(pipe)](std::string message) {
+            if (const auto to = weak.lock()) to->Write(std::move(message), 0, std::nullopt);
+        },
+        GetSetting("ZRHTTP_REPEATED_POST").value == "1");
+    const auto connection = std::make_shared<PipeConnection>(pipe, posts);
+    pipe->Start(posts, [apartment = Apartment::OfThisThread(),
+                        weak = std::weak_ptr<DevToolsConnection>(connection)] {
         apartment->Post([weak] {
             if (const auto self = weak.lock()) self->Dispatch();
         });

@@ -12,6 +12,8 @@
 
 namespace platform {
 
+class PostGuard;
+
 struct DevToolsReply {
     nlohmann::json result; // an object; empty when the call failed
     std::string error;     // what the browser answered, or kCallTimedOut, or kBrowserGone
@@ -66,6 +68,8 @@ public:
 
     // Any thread.
 
+    // What watches over the browser's requests.
+    virtual PostGuard& Posts() = 0;
     // False from the moment on when the browser's end of the pipe is closed, or broken off.
     virtual bool IsOpen() const = 0;
     // The last lines that the browser has written to its standard error, at most 4 KiB.

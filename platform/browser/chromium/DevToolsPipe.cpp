@@ -59,7 +59,8 @@ DevToolsPipe::DevToolsPipe(OwnedDescriptor toBrowser, OwnedDescriptor fromBrowse
     MakeNonBlocking(m_errorOutput);
 }
 
-void DevToolsPipe::Start(std::function<void()> announce) {
+void DevToolsPipe::Start(std::shared_ptr<PipeFilter> filter, std::function<void()> announce) {
+    m_filter = std::move(filter);
     m_announce = std::move(announce);
     std::thread([self = shared_from_this()] { self->Run(); }).detach();
 }
@@ -162,17 +163,23 @@ bool DevToolsPipe::Turn() {
     if (polled[1].revents && !ReadMessages()) return false;
     if (polled[2].revents && !WriteMessages()) return false;
     ReportTimeouts();
+    ServeFilter();
     return true;
 }
 
+void DevToolsPipe::ServeFilter() {
+    if (m_filter && m_filter->NextTime() <= std::chrono::steady_clock::now()) m_filter->OnTime();
+}
+
 int DevToolsPipe::PollTimeout() {
+    Time next = m_filter ? m_filter->NextTime() : Time::max();
     const std::lock_guard lock(m_mutex);
-    std::optional<Time> next = m_closeBy;
+    if (m_closeBy) next = std::min(next, *m_closeBy);
     for (const auto& [call, deadline] : m_deadlines)
-        if (!next || deadline < *next) next = deadline;
-    if (!next) return -1;
+        next = std::min(next, deadline);
+    if (next == Time::max()) return -1;
     const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(*next - std::chrono::steady_clock::now());
+        std::chrono::ceil<std::chrono::milliseconds>(next - std::chrono::steady_clock::now());
     return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
 }
 
@@ -201,6 +208,7 @@ bool DevToolsPipe::TakeMessage(std::string_view text) {
     const auto method = message.value.find("method");
     const bool isEvent = id == message.value.end() && method != message.value.end();
     if (!isReply && !(isEvent && method->is_string())) return false;
+    if (m_filter && m_filter->Take(message.value)) return true;
     if (isReply) {
         const std::lock_guard lock(m_mutex);
         m_deadlines.erase(id->get<int>());

@@ -16,6 +16,7 @@
 #include <nlohmann/json.hpp>
 
 #include "browser/chromium/FrameReader.h"
+#include "browser/chromium/PipeFilter.h"
 #include "system/OwnedDescriptor.h"
 
 namespace platform {
@@ -37,8 +38,9 @@ public:
     DevToolsPipe(OwnedDescriptor toBrowser, OwnedDescriptor fromBrowser,
                  OwnedDescriptor errorOutput);
 
-    // `announce` runs on the thread: something waits for Take, and nothing did before.
-    void Start(std::function<void()> announce);
+    // `announce` runs on the thread: something waits for Take, and nothing did before. The filter
+    // (may be null) sees each message first; it may write.
+    void Start(std::shared_ptr<PipeFilter> filter, std::function<void()> announce);
     // Any thread, from here on. With a deadline the call's answer comes by then, one way or the
     // other.
     void Write(std::string message, int call, std::optional<Time> deadline);
@@ -52,6 +54,7 @@ private:
     void Run();
     bool Turn();
     int PollTimeout();
+    void ServeFilter();
     bool ReadMessages();
     void ReadErrorOutput();
     void ReadLastWords();
@@ -70,6 +73,7 @@ private:
     const OwnedDescriptor m_wake;
     FrameReader m_reader;
     std::vector<char> m_chunk; // thread only: what is read at a time
+    std::shared_ptr<PipeFilter> m_filter;
     std::function<void()> m_announce;
     std::atomic<bool> m_isOpen{true};
 

@@ -1,5 +1,7 @@
 #include "browser/chromium/KeptApplications.h"
 
+#include "browser/chromium/PostGuard.h"
+
 namespace platform {
 
 KeptApplications& KeptApplications::Get() {
@@ -11,6 +13,7 @@ void KeptApplications::Keep(std::shared_ptr<ChromiumProcess> process) {
     DevToolsConnection& connection = process->Connection();
     connection.SetEventHandler({});
     connection.SetEndHandler({});
+    connection.Posts().Release();
     // Its further pop-ups are its user's.
     connection.Send({}, "Target.setAutoAttach",
                     {{"autoAttach", false}, {"waitForDebuggerOnStart", false}, {"flatten", true}});

@@ -14,10 +14,12 @@ struct Entry {
     const char* text;
 };
 
-constexpr std::array<Entry, 34> kTexts{{
+constexpr std::array<Entry, 36> kTexts{{
     {"ABORTED", "the loading was stopped"},
+    {"ACCESS_DENIED", kConnectionsStay},
     {"ADDRESS_INVALID", "cannot connect to the server"},
     {"ADDRESS_UNREACHABLE", "host is unreachable"},
+    {"BLOCKED_BY_CLIENT", kMaySendTwice},
     {"BLOCKED_BY_CSP", "the page does not allow this frame"},
     {"BLOCKED_BY_RESPONSE", "the server does not allow its page to be shown in this frame"},
     {"CERT_AUTHORITY_INVALID", "certificate of an unknown authority"},

@@ -141,7 +141,10 @@ void PageLoads::OnNavigated(const DevToolsEvent& event) {
     const std::string id = TextOf(shown, "id");
     m_frames[id].parent = TextOf(shown, "parentId");
     const auto found = m_loads.find(TextOf(shown, "loaderId"));
-    if (IsTop(id)) m_shownUrl = TextOf(shown, "url") + TextOf(shown, "urlFragment");
+    if (IsTop(id)) {
+        m_shownUrl = TextOf(shown, "url") + TextOf(shown, "urlFragment");
+        OnTopShown();
+    }
     if (found == m_loads.end()) return;
     const DocumentLoadPtr load = found->second;
     if (IsOver(load)) return;

@@ -10,6 +10,8 @@
 namespace platform {
 namespace {
 
+constexpr const char* kAborted = "net::ERR_ABORTED";
+
 // The URL under which the browser finds a local file. Empty, or why it cannot be shown.
 std::string MapFile(std::string& url) {
     if (SchemeOf(url) != "file") return {};
@@ -65,6 +67,7 @@ void PageLoads::Navigate(NavigationRequest request) {
     load->request = std::move(request);
     m_client = load;
     m_isClientDue = false;
+    m_isClientHeldUp = false;
     Top().next = load;
     if (!Browser().Events().HasSinks() && !Browser().IsOffline()) return Start(load);
     Browser().Link()->Post([self = shared_from_this(), load](BrowserObject&) {
@@ -106,16 +109,30 @@ void PageLoads::Request(const DocumentLoadPtr& load) {
     m_override.Arm(load->request, [this, load](const std::string& reason) {
         Fail(load, reason, Aftermath::errorPage);
     });
-    m_page.Send("Page.stopLoading", Json::object(), [this, load](DevToolsReply&) {
-        if (m_client == load) m_isClientDue = true;
+    m_page.Send("Page.stopLoading", Json::object(), [this, load](DevToolsReply& reply) {
+        if (m_client != load) return;
+        m_isClientDue = true;
+        m_isShowingAnother = !reply.IsOk();
+        m_hasShownAnother = false;
     });
     m_page.Send("Page.navigate", {{"url", load->request.target.url}},
                 [this, load](DevToolsReply& reply) { OnNavigateReply(load, reply); });
 }
 
+// While the browser is about to show the error page of a document before, it takes no other.
+void PageLoads::OnTopShown() {
+    m_hasShownAnother = true;
+    if (std::exchange(m_isClientHeldUp, false) && m_client) Request(m_client);
+}
+
 void PageLoads::OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply& reply) {
     if (IsOver(load)) return;
     const std::string failure = reply.IsOk() ? TextOf(reply.result, "errorText") : reply.error;
+    if (failure == kAborted && m_client == load && m_isShowingAnother) {
+        if (m_hasShownAnother) return Request(load);
+        m_isClientHeldUp = true;
+        return;
+    }
     // It comes when the page is shown; a renderer that is just starting may not report that.
     if (failure.empty() && load->hasHead && Top().next == load) return Commit(load);
     if (failure.empty() || load->hasHead) return;

@@ -60,6 +60,7 @@ private:
     void Announce(const DocumentLoadPtr& load);
     void Start(const DocumentLoadPtr& load);
     void Request(const DocumentLoadPtr& load);
+    void OnTopShown();
     void OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply& reply);
     void AbandonAll();
 
@@ -105,7 +106,10 @@ private:
     RequestOverride m_override;
     DocumentLoadPtr m_client; // the client's navigation, until the browser has named it
     bool m_isClientDue = false;
-    std::string m_shownUrl; // of the top level, with the fragment
+    bool m_isShowingAnother = false; // when the client's navigation was sent
+    bool m_hasShownAnother = false;  // since then
+    bool m_isClientHeldUp = false;   // until then
+    std::string m_shownUrl;          // of the top level, with the fragment
     std::map<std::string, Frame> m_frames;
     std::map<std::string, DocumentLoadPtr> m_loads; // by loader
 };
