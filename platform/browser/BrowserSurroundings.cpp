@@ -1,5 +1,6 @@
 #include <platform/BrowserSurroundings.h>
 
+#include "browser/chromium/ChromiumBrowser.h"
 #include "browser/chromium/ChromiumProcess.h"
 #include "window/BrowserWindow.h"
 
@@ -7,6 +8,13 @@ namespace platform {
 
 CString ChromiumFileName() {
     return CString(FindChromium().value_or(""));
+}
+
+bool ChromiumSendsPostsOnce(CString& strError) {
+    std::string error;
+    const bool isOnce = ChromiumBrowser::SendsPostsOnce(error);
+    strError = CString(error);
+    return isOnce;
 }
 
 CString BrowserDisplayName() {

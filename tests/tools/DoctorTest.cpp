@@ -19,6 +19,7 @@ protected:
 TEST_F(Doctor, ReportsAWorkingInstallation) {
     const std::string file = MakeBrowser("echo \"Chromium 9 $1\"; echo more");
     const ScopedVariable browser("ZRHTTP_BROWSER", file.c_str());
+    const ScopedVariable builtin("ZRHTTP_APPLICATION", "builtin");
     const ScopedVariable legacy("ZRHTTP_LEGACY_SYSTEM", "1");
     home.WriteFile("settings/platform.ini", "[Platform]\nZRHTTP_HEADLESS=1\n");
     const auto run = RunTool({"doctor"});
@@ -49,6 +50,15 @@ TEST_F(Doctor, NamesEachProblemAndWhatToDo) {
                       HasSubstr("Correct or unset ZRHTTP_CA_FILE"),
                       HasSubstr("ZRHTTP_CONTROL is 'netscape^[[2J'"),
                       HasSubstr("The display does not answer")));
+}
+
+TEST_F(Doctor, TriesWhetherChromiumSendsPostDataOnce) {
+    const auto run = RunTool({"doctor"});
+    EXPECT_EQ(run.exitStatus, 0) << run.output;
+    EXPECT_THAT(run.output, HasSubstr("post data             exactly once"));
+    const ScopedVariable browser("ZRHTTP_BROWSER", MakeBrowser("echo Chromium 9").c_str());
+    EXPECT_THAT(RunTool({"doctor"}).output,
+                AllOf(HasSubstr("not known"), HasSubstr("does not start: Chromium ended at once")));
 }
 
 TEST_F(Doctor, ChromiumIsAProblemOnlyWhereAnEngineNeedsIt) {

@@ -56,11 +56,31 @@ void CheckSandbox(Diagnosis& diagnosis, const std::string& chromium) {
                       "Install the package chromium-sandbox.");
 }
 
+void CheckPosts(Diagnosis& diagnosis) {
+    CString error;
+    if (platform::ChromiumSendsPostsOnce(error)) return diagnosis.Fact("post data", "exactly once");
+    if (!error.IsEmpty()) {
+        diagnosis.Fact("post data", "not known");
+        return diagnosis.Problem("Chromium does not start: " + std::string(error.View()),
+                                 "See the log; zrhttp fetch with Chromium fails in the same way.");
+    }
+    if (platform::GetSetting("ZRHTTP_REPEATED_POST").value == "1")
+        return diagnosis.Fact("post data", "maybe twice", "allowed by ZRHTTP_REPEATED_POST");
+    diagnosis.Fact("post data", "refused", "this browser may send them twice");
+    diagnosis.Problem(
+        "This browser may send post data twice and is given none.",
+        "Take the browser of the package chromium, or set ZRHTTP_REPEATED_POST to 1.");
+}
+
 void CheckChromium(Diagnosis& diagnosis) {
     const std::string file(platform::ChromiumFileName().View());
     const auto version = file.empty() ? std::nullopt : VersionOfProgram(file, kVersionPatience);
     diagnosis.Fact("chromium", file, version ? *version : file.empty() ? "missing" : "cannot run");
-    if (version) return CheckSandbox(diagnosis, file);
+    if (version) {
+        CheckSandbox(diagnosis, file);
+        if (IsChromiumSet()) CheckPosts(diagnosis);
+        return;
+    }
     if (!IsChromiumSet()) return;
     if (file.empty())
         return diagnosis.Problem("Chromium was not found.",

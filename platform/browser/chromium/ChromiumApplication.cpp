@@ -128,6 +128,13 @@ std::string ChromiumApplication::UserAgent() {
     return userAgent;
 }
 
+bool ChromiumApplication::SendsPostsOnce() {
+    PostGuard& posts = Connection().Posts();
+    posts.Probe();
+    WaitFor([&] { return posts.WhatBrowserCan() != PostGuard::Ability::unknown; });
+    return posts.WhatBrowserCan() == PostGuard::Ability::once;
+}
+
 void ChromiumApplication::Adopt(const std::shared_ptr<ChromiumPage>& page,
                                 const std::string& target, const std::string& session) {
     m_targets[target] = page;

@@ -45,6 +45,9 @@ public:
     void ClosePage(const std::string& target);
     // What it calls itself in its requests. Waits for its answer; empty when there is none.
     std::string UserAgent();
+    // Whether it can be kept from sending post data twice. Waits for its answer; it has to have a
+    // page.
+    bool SendsPostsOnce();
     // The page stays open without a browser object, until its user closes it or this process ends.
     void KeepPage(const std::string& target, const std::string& session);
     // The window that has appeared last, or one that is only remembered. Never null.

@@ -28,6 +28,11 @@ HRESULT ChromiumBrowser::CreateControl(REFIID iid, void** ppObject) {
     return Create(ChromiumApplication::Windows::none, iid, ppObject);
 }
 
+bool ChromiumBrowser::SendsPostsOnce(std::string& error) {
+    const auto browser = MakeObject<ChromiumBrowser>(ChromiumApplication::Windows::none);
+    return browser->Launch(error) && browser->m_page->Application().SendsPostsOnce();
+}
+
 HRESULT ChromiumBrowser::Create(ChromiumApplication::Windows windows, REFIID iid, void** ppObject) {
     *ppObject = nullptr;
     const auto browser = MakeObject<ChromiumBrowser>(windows);

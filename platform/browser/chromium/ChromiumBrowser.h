@@ -16,6 +16,8 @@ public:
     static HRESULT CreateApplication(REFIID iid, void** ppObject);
     // The browser control: without a window of its own.
     static HRESULT CreateControl(REFIID iid, void** ppObject);
+    // Starts a browser and tries. False with the reason when it does not start.
+    static bool SendsPostsOnce(std::string& error);
 
     explicit ChromiumBrowser(ChromiumApplication::Windows windows) : m_windows(windows) {}
 

@@ -12,6 +12,11 @@ namespace platform {
 // not), else the first one on PATH. Empty when there is none.
 CString ChromiumFileName();
 
+// Whether that Chromium can be kept from sending post data twice; else it is given none, unless
+// ZRHTTP_REPEATED_POST is 1. Starts it, and takes a second. False with the reason, if it is not
+// that, when it cannot be started.
+bool ChromiumSendsPostsOnce(CString& strError);
+
 // The display that browsers would show their windows on. Empty when there is none, it does not
 // answer, or ZRHTTP_HEADLESS is 1.
 CString BrowserDisplayName();
