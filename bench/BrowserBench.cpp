@@ -27,6 +27,8 @@ namespace {
 constexpr std::size_t kPageSize = 4000;
 constexpr double kOpenGoal = 0.65;
 constexpr double kCycleGoal = 0.75;
+constexpr double kPostCostGoal = 5.0; // milliseconds
+constexpr const char* kPostData = "vertrag=4711&betrag=6%2C40";
 // Lets the processes of a closed browser go, so that their end falls into nobody's time.
 constexpr std::chrono::milliseconds kAfterLaunch{400};
 
@@ -60,11 +62,16 @@ void Connect(CZrHbUHttpGet& getter) {
           error.GetString());
 }
 
-void OpenAndRead(CZrHbUHttpGet& getter, const std::string& url, const std::string& page) {
+// With post data, a header block, both or neither (null).
+void OpenAndRead(CZrHbUHttpGet& getter, const std::string& url, const std::string& page,
+                 const char* pszPost = nullptr, const char* pszHeaders = nullptr) {
     CString error;
     CString location;
     CByteBuffer body(8192, 8192);
-    Check(getter.Open(url.c_str(), error, FALSE) == 0, error.GetString());
+    std::string data = pszPost ? pszPost : "";
+    Check(getter.Open(url.c_str(), error, pszPost ? data.data() : nullptr,
+                      static_cast<DWORD>(data.size()), pszHeaders, FALSE) == 0,
+          error.GetString());
     Check(getter.BusyRead(body, error, location, 10000, FALSE, 10000, nullptr, nullptr) == 0,
           error.GetString());
     Check(std::string(body.GetData(), body.GetData() + body.GetSize()) == page,
@@ -98,8 +105,7 @@ void RunShuffled(std::vector<Contender>& contenders, int warmUp, int rounds) {
     }
 }
 
-// The first contender is ours, the second one the peer to compare with.
-void Print(const char* title, const std::vector<Contender>& contenders, double goal) {
+void PrintTable(const char* title, const std::vector<Contender>& contenders) {
     std::printf("\n%s, %zu rounds, milliseconds\n%-24s %9s %9s %9s\n", title,
                 contenders[0].samples.size(), "", "median", "p90", "ratio");
     for (const Contender& contender : contenders) {
@@ -110,6 +116,11 @@ void Print(const char* title, const std::vector<Contender>& contenders, double g
             std::printf(" %9.2f", median / Quantile(contenders[1].samples, 0.5));
         std::printf("\n");
     }
+}
+
+// The first contender is ours, the second one the peer to compare with.
+void Print(const char* title, const std::vector<Contender>& contenders, double goal) {
+    PrintTable(title, contenders);
     if (contenders.size() > 1) std::printf("goal: a ratio of at most %.2f\n", goal);
 }
 
@@ -135,6 +146,33 @@ public:
         RunShuffled(contenders, m_rounds.warmUp, m_rounds.open);
         getter.Disconnect(0);
         Print("open and read", contenders, kOpenGoal);
+    }
+
+    // Post data go to a connection of their own, so that they go once. What that costs is told by a
+    // request of the same kind without them: it, too, is changed on its way.
+    void Post() {
+        CZrHbUHttpGet getter(eAppGroup_2);
+        Connect(getter);
+        const auto open = [&](const char* pszPost, const char* pszHeaders) {
+            return Timed([&] { OpenAndRead(getter, m_server.Url(), m_page, pszPost, pszHeaders); });
+        };
+        std::vector<Contender> contenders{
+            {"getter, POST", [&] { return open(kPostData, nullptr); }, {}},
+            {"getter, GET and header", [&] { return open(nullptr, "X-Client: 3\r\n"); }, {}}};
+        std::unique_ptr<PeerProcess> peer;
+        if (m_hasPeers) {
+            peer = std::make_unique<PeerProcess>("playwright", m_chromium);
+            peer->StartBrowser();
+            contenders.push_back({"playwright, POST",
+                                  [&] { return Checked(peer->Post(m_server.Url()), m_page); },
+                                  {}});
+        }
+        RunShuffled(contenders, m_rounds.warmUp, m_rounds.open);
+        getter.Disconnect(0);
+        PrintTable("post data", contenders);
+        std::printf("post data cost %.1f ms; goal: at most %.1f\n",
+                    Quantile(contenders[0].samples, 0.5) - Quantile(contenders[1].samples, 0.5),
+                    kPostCostGoal);
     }
 
     void LaunchBrowsers() {
@@ -172,7 +210,8 @@ private:
 
     const Rounds m_rounds;
     const std::string m_page = Page();
-    const BenchServer m_server{m_page};
+    // A file answers post data, too.
+    const BenchServer m_server{{m_page, "error_page 405 =200 $uri;\n", {}}};
     const bool m_hasPeers = PeerProcess::IsAvailable();
     const std::string m_chromium{platform::ChromiumFileName().View()};
 };
@@ -192,6 +231,7 @@ void Run(const Rounds& rounds) {
     if (!bench.HasPeers())
         std::printf("Playwright and Puppeteer are missing; bench/peers/setup fetches them.\n");
     bench.OpenPages();
+    bench.Post();
     bench.LaunchBrowsers();
 }
 

@@ -25,6 +25,7 @@ public:
     void StartBrowser();
     // These throw std::runtime_error with the driver's words when the page cannot be read.
     PeerAnswer Open(const std::string& url) { return Measure("open " + url); }
+    PeerAnswer Post(const std::string& url) { return Measure("post " + url); }
     PeerAnswer Launch(const std::string& url) { return Measure("launch " + url); }
 
 private:

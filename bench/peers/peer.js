@@ -3,6 +3,7 @@
 //   start        launch the browser that "open" uses      -> "ok"
 //   open URL     page.goto until the load event, then the -> "MS BYTES"
 //                reply's body, in the browser kept open
+//   post URL     as open, the request made a POST on its way (playwright)
 //   launch URL   the same from launch to close, in a      -> "MS BYTES"
 //                browser of its own
 //
@@ -49,6 +50,15 @@ const commands = {
     return 'ok';
   },
   open: (url) => timed(() => read(page, url)),
+  post: (url) =>
+    timed(async () => {
+      const headers = { 'Content-Type': 'application/x-www-form-urlencoded' };
+      const change = { method: 'POST', postData: 'vertrag=4711&betrag=6%2C40' };
+      await page.route(url, (route) =>
+        route.continue({ ...change, headers: { ...route.request().headers(), ...headers } }),
+        { times: 1 });
+      return read(page, url);
+    }),
   launch: (url) =>
     timed(async () => {
       const ownBrowser = await launch();
