@@ -153,6 +153,7 @@ public:
     void Post() {
         CZrHbUHttpGet getter(eAppGroup_2);
         Connect(getter);
+        getter.SetSecurityTimeout(0); // no pause before post data that are sent again
         const auto open = [&](const char* pszPost, const char* pszHeaders) {
             return Timed([&] { OpenAndRead(getter, m_server.Url(), m_page, pszPost, pszHeaders); });
         };
