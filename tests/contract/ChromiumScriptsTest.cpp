@@ -151,6 +151,21 @@ TEST_F(Collecting, StopsAnEndlessChainWhenItsCallbackWantsTo) {
     EXPECT_LE(Server().Requests("/endless").size(), requests + 1);
 }
 
+TEST_F(Collecting, LetsWorkersRun) {
+    const std::string waiting =
+        "<script>new Worker('/worker.js').onmessage = () => location = '/done'</script>";
+    Server().Set("/waiting", Html(waiting));
+    Server().Set(
+        "/worker.js",
+        Bytes("text/javascript", "fetch('/told', {method: 'POST'}).then(() => postMessage(1))"));
+    Server().Set("/told", Html("told"));
+    Server().Set("/done", Html("done"));
+    EXPECT_THAT(
+        Collect(Server().Url("/waiting"), 2),
+        ElementsAre(Server().Url("/waiting") + " " + waiting, Server().Url("/done") + " done"));
+    EXPECT_EQ(Server().Requests("/told").size(), 1u);
+}
+
 TEST_F(Collecting, TakesFramesButNoPopUps) {
     Server().Set("/one", Html("one"));
     Server().Set("/two", Html("two"));

@@ -11,11 +11,12 @@ namespace {
 constexpr int kMaxDocumentBytes = 128 * 1024 * 1024;
 constexpr int kMaxKeptBytes = 256 * 1024 * 1024;
 
-Json AutoAttachTo(const char* pszType) {
+// A worker that is not attached to is held up for ever, once frames are.
+Json AutoAttach() {
     return {{"autoAttach", true},
             {"waitForDebuggerOnStart", true},
             {"flatten", true},
-            {"filter", Json::array({{{"type", pszType}}})}};
+            {"filter", Json::array({{{"type", "iframe"}}, {{"type", "worker"}}})}};
 }
 
 } // namespace
@@ -61,7 +62,7 @@ void ChromiumPage::Enable(const std::string& session) {
            {{"enableDurableMessages", true},
             {"maxTotalBufferSize", kMaxKeptBytes},
             {"maxResourceBufferSize", kMaxDocumentBytes}});
-    SendTo(session, "Target.setAutoAttach", AutoAttachTo("iframe"));
+    SendTo(session, "Target.setAutoAttach", AutoAttach());
     if (m_browser && m_browser->IsOffline()) m_loads->SetOffline(true);
     SendTo(session, "Runtime.runIfWaitingForDebugger", Json::object(),
            [this](DevToolsReply&) { m_isReady = true; });
@@ -77,7 +78,7 @@ void ChromiumPage::OnEvent(DevToolsEvent& event) {
 
 bool ChromiumPage::OnTargetEvent(const DevToolsEvent& event) {
     if (event.method == "Target.attachedToTarget") {
-        AttachFrameSession(event.params);
+        OnAttached(event.session, event.params);
     } else if (event.method == "Target.detachedFromTarget") {
         const std::string session = TextOf(event.params, "sessionId");
         m_frameSessions.erase(session);
@@ -88,6 +89,14 @@ bool ChromiumPage::OnTargetEvent(const DevToolsEvent& event) {
         return false;
     }
     return true;
+}
+
+void ChromiumPage::OnAttached(const std::string& parent, const Json& params) {
+    if (TextOf(ObjectOf(params, "targetInfo"), "type") != "worker")
+        return AttachFrameSession(params);
+    const std::string session = TextOf(params, "sessionId");
+    SendTo(session, "Runtime.runIfWaitingForDebugger", Json::object());
+    SendTo(parent, "Target.detachFromTarget", {{"sessionId", session}});
 }
 
 void ChromiumPage::AttachFrameSession(const Json& params) {

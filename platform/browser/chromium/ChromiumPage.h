@@ -57,6 +57,7 @@ private:
     void Enable(const std::string& session);
     bool OnTargetEvent(const DevToolsEvent& event);
     bool OnDialogEvent(const DevToolsEvent& event);
+    void OnAttached(const std::string& parent, const Json& params);
     void AttachFrameSession(const Json& params);
 
     const std::shared_ptr<ChromiumApplication> m_application;
