@@ -27,6 +27,7 @@ struct DocumentLoad {
     std::shared_ptr<DocumentSource> source;
     CComPtr<IDispatch> document;
 
+    int attempts = 0;               // to have the browser load it
     std::size_t announcedBytes = 0; // by the head; 0 when it does not say
 
     bool isByClient = false; // else by the page itself

@@ -106,9 +106,10 @@ void PageLoads::Request(const DocumentLoadPtr& load) {
     if (IsOver(load) || m_client != load) return;
     m_page.Send("Network.setCacheDisabled",
                 {{"cacheDisabled", (load->request.flags & navNoReadFromCache) != 0}});
-    m_override.Arm(load->request, [this, load](const std::string& reason) {
-        Fail(load, reason, Aftermath::errorPage);
-    });
+    m_override.Arm(load->request, {[this, load](const std::string& reason) {
+                                       Fail(load, reason, Aftermath::errorPage);
+                                   },
+                                   [this, load] { StartOver(load); }});
     m_page.Send("Page.stopLoading", Json::object(), [this, load](DevToolsReply& reply) {
         if (m_client != load) return;
         m_isClientDue = true;
@@ -116,7 +117,18 @@ void PageLoads::Request(const DocumentLoadPtr& load) {
         m_hasShownAnother = false;
     });
     m_page.Send("Page.navigate", {{"url", load->request.target.url}},
-                [this, load](DevToolsReply& reply) { OnNavigateReply(load, reply); });
+                [this, load, attempt = ++load->attempts](DevToolsReply& reply) {
+                    if (attempt == load->attempts) OnNavigateReply(load, reply);
+                });
+}
+
+// The browser's own navigation is dropped, the client's is the same one still.
+void PageLoads::StartOver(const DocumentLoadPtr& load) {
+    m_loads.erase(load->loader);
+    m_client = load;
+    m_isClientDue = false;
+    PutCredentialsIntoHeader(load->request);
+    Request(load);
 }
 
 // While the browser is about to show the error page of a document before, it takes no other.

@@ -60,6 +60,7 @@ private:
     void Announce(const DocumentLoadPtr& load);
     void Start(const DocumentLoadPtr& load);
     void Request(const DocumentLoadPtr& load);
+    void StartOver(const DocumentLoadPtr& load);
     void OnTopShown();
     void OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply& reply);
     void AbandonAll();

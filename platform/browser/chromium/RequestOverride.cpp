@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include <platform/CodePage.h>
 
@@ -51,14 +52,19 @@ bool SaysWhatTheBodyIs(const std::string& name) {
 
 } // namespace
 
-void RequestOverride::Arm(const NavigationRequest& request,
-                          std::function<void(const std::string&)> onRefused) {
+void PutCredentialsIntoHeader(NavigationRequest& request) {
+    const std::string pair =
+        std::exchange(request.target.user, {}) + ":" + std::exchange(request.target.password, {});
+    request.headers.push_back({"Authorization", "Basic " + EncodeBase64(pair)});
+}
+
+void RequestOverride::Arm(const NavigationRequest& request, Outcome outcome) {
     Disarm();
     m_substitutedTypes = SubstitutedTypes();
     m_hasRequest = !request.body.empty() || !request.headers.empty() || HasCredentials(request);
     if (!m_hasRequest && m_substitutedTypes.empty()) return;
     if (m_hasRequest) m_request = request;
-    m_onRefused = std::move(onRefused);
+    m_outcome = std::move(outcome);
     Json patterns = Json::array();
     if (m_hasRequest) patterns.push_back(Documents("Request"));
     if (!m_substitutedTypes.empty()) patterns.push_back(Documents("Response"));
@@ -80,7 +86,8 @@ void RequestOverride::Finish() {
     m_request = NavigationRequest();
     m_loader.clear();
     m_lastUrl.clear();
-    m_onRefused = nullptr;
+    m_isRedirected = false;
+    m_outcome = {};
     if (!m_isEnabled || !m_substitutedTypes.empty()) return;
     m_isEnabled = false;
     m_page.Send("Fetch.disable");
@@ -138,11 +145,12 @@ void RequestOverride::ChangeRedirect(const Json& params) {
     const std::string url = TextOf(request, "url");
     const bool isSameOrigin = OriginOf(url) == OriginOf(m_lastUrl);
     m_lastUrl = url;
+    m_isRedirected = true;
     if (TextOf(request, "method") != "POST") return Release(params);
     if (!isSameOrigin) {
         m_page.Send("Fetch.failRequest",
                     {{"requestId", TextOf(params, "requestId")}, {"errorReason", "Aborted"}});
-        if (const auto onRefused = m_onRefused)
+        if (const auto onRefused = m_outcome.onRefused)
             onRefused("the server redirects the post data to another origin");
         return;
     }
@@ -150,18 +158,25 @@ void RequestOverride::ChangeRedirect(const Json& params) {
                                           {"headers", ChangedHeaders(params, true)}});
 }
 
+// The browser gives them on the connection on which it was asked, and would send post data on it
+// twice: those start over, on a new one. Behind a redirect that would repeat what came before it.
 void RequestOverride::OnAuthRequired(const Json& params) {
     const Json& challenge = ObjectOf(params, "authChallenge");
     const bool isGiven = m_hasRequest && HasCredentials(m_request) && !m_areCredentialsGiven &&
                          TextOf(challenge, "source") == "Server" &&
                          OriginOf(m_request.target.url) == OriginOf(TextOf(challenge, "origin"));
-    Json answer{{"response", "CancelAuth"}};
-    if (isGiven) {
-        m_areCredentialsGiven = true;
-        answer = {{"response", "ProvideCredentials"},
-                  {"username", m_request.target.user},
-                  {"password", m_request.target.password}};
-    }
+    if (!isGiven) return AnswerChallenge(params, {{"response", "CancelAuth"}});
+    const bool isStartedOver = !m_request.body.empty() && !m_isRedirected &&
+                               EqualsIgnoringCase(TextOf(challenge, "scheme"), "basic");
+    if (const auto startOver = m_outcome.onCredentialsWanted; isStartedOver && startOver)
+        return startOver();
+    m_areCredentialsGiven = true;
+    AnswerChallenge(params, {{"response", "ProvideCredentials"},
+                             {"username", m_request.target.user},
+                             {"password", m_request.target.password}});
+}
+
+void RequestOverride::AnswerChallenge(const Json& params, Json answer) {
     m_page.Send("Fetch.continueWithAuth", {{"requestId", TextOf(params, "requestId")},
                                            {"authChallengeResponse", std::move(answer)}});
 }
