@@ -31,6 +31,10 @@ BOOL InternetReadFile(HINTERNET hRequest, void* pBuffer, DWORD nCount, DWORD* pR
     return Service().Read(hRequest, pBuffer, nCount, pRead);
 }
 
+BOOL InternetSetOptionA(HINTERNET hInternet, DWORD dwOption, void* pBuffer, DWORD nLength) {
+    return Service().SetOption(hInternet, dwOption, pBuffer, nLength);
+}
+
 BOOL InternetCloseHandle(HINTERNET hInternet) {
     return Service().Close(hInternet);
 }

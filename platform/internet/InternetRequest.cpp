@@ -27,6 +27,12 @@ bool IsStopRequested() {
 
 } // namespace
 
+std::optional<InternetFailure> Patience::Exceeded() const {
+    if (m_time.count() == 0 || steady_clock::now() < m_end) return std::nullopt;
+    return InternetFailure{ERROR_INTERNET_TIMEOUT,
+                           "no progress within " + std::to_string(m_time.count()) + " ms"};
+}
+
 InternetRequest::InternetRequest(std::shared_ptr<InternetSession> session)
     : m_session(std::move(session)), m_channel(m_session->TakeChannel()) {}
 
@@ -81,14 +87,21 @@ std::optional<UserCredentials> InternetRequest::ServerCredentials() const {
 }
 
 std::optional<InternetFailure> InternetRequest::WaitForHead() {
+    const Patience patience(m_session->ReceiveTimeout());
     while (!m_exchange->HasHead()) {
         if (m_exchange->HasEnded()) return m_exchange->Failure();
-        if (IsCancelled())
-            return InternetFailure{ERROR_INTERNET_OPERATION_CANCELLED, "the request was stopped"};
+        if (auto failure = WhyOver(patience)) return failure;
         m_exchange->Work();
         if (!m_exchange->HasHead() && !m_exchange->HasEnded()) m_exchange->Wait(kStep);
     }
     return std::nullopt;
+}
+
+// Why a wait for what has not come goes on no longer.
+std::optional<InternetFailure> InternetRequest::WhyOver(const Patience& patience) const {
+    if (IsCancelled())
+        return InternetFailure{ERROR_INTERNET_OPERATION_CANCELLED, "the request was stopped"};
+    return patience.Exceeded();
 }
 
 std::string InternetRequest::RedirectTarget() const {
@@ -126,13 +139,17 @@ std::optional<curl_off_t> InternetRequest::ContentLength() const {
     return m_decoder ? std::nullopt : m_exchange->ContentLength();
 }
 
-DWORD InternetRequest::Read(void* pBuffer, std::size_t room, std::size_t& count) {
+std::optional<InternetFailure> InternetRequest::Read(void* pBuffer, std::size_t room,
+                                                     std::size_t& count) {
+    const Patience patience(m_session->ReceiveTimeout());
     for (;;) {
         count = Take(pBuffer, room);
-        if (count > 0 || room == 0) return ERROR_SUCCESS;
-        if (m_decoder && m_decoder->IsBroken()) return ERROR_HTTP_INVALID_SERVER_RESPONSE;
+        if (count > 0 || room == 0) return std::nullopt;
+        if (m_decoder && m_decoder->IsBroken())
+            return InternetFailure{ERROR_HTTP_INVALID_SERVER_RESPONSE,
+                                   "the reply's compression is broken"};
         if (m_exchange->HasEnded() && m_exchange->Body().IsEmpty()) return End();
-        if (IsCancelled()) return ERROR_INTERNET_OPERATION_CANCELLED;
+        if (auto failure = WhyOver(patience)) return failure;
         m_exchange->Work();
         if (m_exchange->Body().IsEmpty() && !m_exchange->HasEnded()) m_exchange->Wait(kStep);
     }
@@ -152,10 +169,11 @@ std::size_t InternetRequest::Take(void* pBuffer, std::size_t room) {
     return count;
 }
 
-DWORD InternetRequest::End() const {
-    if (m_exchange->Failure()) return m_exchange->Failure()->error;
-    const bool isCut = m_decoder && !m_decoder->IsComplete();
-    return isCut ? ERROR_INTERNET_CONNECTION_ABORTED : ERROR_SUCCESS;
+std::optional<InternetFailure> InternetRequest::End() const {
+    if (m_exchange->Failure()) return m_exchange->Failure();
+    if (!m_decoder || m_decoder->IsComplete()) return std::nullopt;
+    return InternetFailure{ERROR_INTERNET_CONNECTION_ABORTED,
+                           "incomplete: the reply's compressed data is cut off"};
 }
 
 std::optional<PasswordQuestion> InternetRequest::Question() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,19 @@ struct PasswordQuestion {
     bool isRepeated;   // a name and a password were sent and refused
 };
 
+// How long one wait may take, from now on.
+class Patience {
+public:
+    explicit Patience(std::chrono::milliseconds time)
+        : m_time(time), m_end(std::chrono::steady_clock::now() + time) {}
+    // Empty while it lasts.
+    std::optional<InternetFailure> Exceeded() const;
+
+private:
+    std::chrono::milliseconds m_time; // 0: for ever
+    std::chrono::steady_clock::time_point m_end;
+};
+
 // Used by one thread at a time; Close by any. A wait ends with ERROR_INTERNET_OPERATION_CANCELLED
 // within 250 ms after a Close, of the session, too, and when the thread's stop word says so.
 class InternetRequest {
@@ -42,8 +56,8 @@ public:
     int Status() const { return m_exchange->Status(); }
     // Of the bytes that are read; empty when it is not known beforehand.
     std::optional<curl_off_t> ContentLength() const;
-    // Waits for the first of the next bytes; none is the end. Returns a system error number.
-    DWORD Read(void* pBuffer, std::size_t room, std::size_t& count);
+    // Waits for the first of the next bytes; none is the end. Empty when there was no failure.
+    std::optional<InternetFailure> Read(void* pBuffer, std::size_t room, std::size_t& count);
 
     std::optional<PasswordQuestion> Question() const;
     void Answer(const PasswordQuestion& question, UserCredentials credentials);
@@ -55,7 +69,8 @@ private:
     std::optional<InternetFailure> Follow(const std::string& reference);
     void DropBody();
     std::size_t Take(void* pBuffer, std::size_t room);
-    DWORD End() const;
+    std::optional<InternetFailure> WhyOver(const Patience& patience) const;
+    std::optional<InternetFailure> End() const;
 
     std::string ServerSpace() const { return OriginOf(m_url); }
     std::string ProxySpace() const { return "proxy for " + SchemeOf(m_url); }

@@ -71,7 +71,9 @@ Internet& Internet::Real() {
 }
 
 HINTERNET InternetService::Open(const CString& strAgent) {
-    return m_handles.Add(std::make_shared<InternetSession>(std::string(strAgent.View())));
+    auto session = std::make_shared<InternetSession>(std::string(strAgent.View()));
+    session->SetReceiveTimeout(std::chrono::milliseconds(m_receiveTimeout));
+    return m_handles.Add(std::move(session));
 }
 
 HINTERNET InternetService::OpenUrl(HINTERNET hSession, const CString& strUrl) {
@@ -107,9 +109,24 @@ BOOL InternetService::Read(HINTERNET hRequest, void* pBuffer, DWORD nCount, DWOR
     if (!request) return FALSE;
     if (!pRead || (!pBuffer && nCount > 0)) return FailWith(ERROR_INVALID_PARAMETER);
     std::size_t count = 0;
-    const DWORD dwError = request->Read(pBuffer, nCount, count);
+    LastResponse() = request->Read(pBuffer, nCount, count).value_or(InternetFailure());
     *pRead = static_cast<DWORD>(count);
-    return dwError == ERROR_SUCCESS ? TRUE : FailWith(dwError);
+    return LastResponse().error == ERROR_SUCCESS ? TRUE : FailWith(LastResponse().error);
+}
+
+BOOL InternetService::SetOption(HINTERNET hInternet, DWORD dwOption, const void* pBuffer,
+                                DWORD nLength) {
+    if (dwOption != INTERNET_OPTION_RECEIVE_TIMEOUT) return FailWith(ERROR_INTERNET_INVALID_OPTION);
+    if (!pBuffer || nLength != sizeof(DWORD)) return FailWith(ERROR_INTERNET_BAD_OPTION_LENGTH);
+    DWORD time = 0;
+    std::memcpy(&time, pBuffer, sizeof time);
+    if (!hInternet) {
+        m_receiveTimeout = time;
+        return TRUE;
+    }
+    const auto session = m_handles.Find<InternetSession>(hInternet);
+    if (session) session->SetReceiveTimeout(std::chrono::milliseconds(time));
+    return session ? TRUE : FALSE;
 }
 
 BOOL InternetService::Close(HINTERNET hInternet) {

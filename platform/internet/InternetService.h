@@ -18,9 +18,12 @@ public:
     DWORD ErrorDialog(HWND hWndParent, HINTERNET hRequest, DWORD dwError) override;
     BOOL GetConnectedState(DWORD* pFlags) override;
     BOOL GoOnline(const CString& strUrl) override;
+    BOOL SetOption(HINTERNET hInternet, DWORD dwOption, const void* pBuffer,
+                   DWORD nLength) override;
 
 private:
     InternetHandles m_handles;
+    std::atomic<DWORD> m_receiveTimeout{0}; // of sessions to come, ms
 };
 
 } // namespace platform

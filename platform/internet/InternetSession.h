@@ -3,6 +3,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -29,6 +30,10 @@ public:
     std::unique_ptr<CurlChannel> TakeChannel();
     void ReturnChannel(std::unique_ptr<CurlChannel> channel);
 
+    // How long a wait without a byte may take; 0: for ever.
+    std::chrono::milliseconds ReceiveTimeout() const { return m_receiveTimeout; }
+    void SetReceiveTimeout(std::chrono::milliseconds time) { m_receiveTimeout = time; }
+
     // Ends what waits in its requests.
     void Close() { m_isClosed = true; }
     bool IsClosed() const { return m_isClosed; }
@@ -43,6 +48,7 @@ private:
     const std::string m_certificateFile;
     CredentialStore m_credentials;
     std::atomic<bool> m_isClosed{false};
+    std::atomic<std::chrono::milliseconds> m_receiveTimeout{};
     Locks m_shareLocks;
     CurlShare m_share; // cookies
     std::mutex m_mutex;

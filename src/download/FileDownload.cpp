@@ -166,6 +166,15 @@ bool FileDownload::AskForCredentials() const {
                             nullptr) == ERROR_INTERNET_FORCE_RETRY;
 }
 
+// The result goes by the length; that the reply is not whole is told here.
+void FileDownload::TellBrokenRead() const {
+    const DWORD error = GetLastError();
+    if (IsStopRequested()) return;
+    ZRHB_FAILURE("InternetReadFile() -> Failed to read the reply with error " + Number(error) +
+                     LastResponseText(),
+                 m_request.group);
+}
+
 DownloadResult FileDownload::ReadFileFromInternet() const {
     ZRHB_TRACE("ReadFileFromInternet(" + m_request.url + ")", m_request.group);
     TargetFile file;
@@ -190,7 +199,11 @@ DownloadResult FileDownload::ReadFileFromInternet() const {
     for (;;) {
         char* const piece = file.Room(kPiece);
         if (!piece) return failToWrite();
-        if (!InternetReadFile(m_reply.get(), piece, kPiece, &count) || count == 0) break;
+        if (!InternetReadFile(m_reply.get(), piece, kPiece, &count)) {
+            TellBrokenRead();
+            break;
+        }
+        if (count == 0) break;
         if (IsStopRequested()) return DownloadResult::stopped;
         total += count;
         progress.Advance(total);

@@ -20,6 +20,7 @@ private:
     bool OpenUrl();
     bool QueryStatus(long& status) const;
     bool AskForCredentials() const;
+    void TellBrokenRead() const;
     DownloadResult ReadFileFromInternet() const;
 
     const DownloadRequest& m_request;

@@ -84,6 +84,7 @@ public:
         isOffline = false;
         return Note("GoOnline");
     }
+    BOOL SetOption(HINTERNET, DWORD, const void*, DWORD) override { return FALSE; }
 
 private:
     HINTERNET NewHandle(const char* pszCall) {

@@ -17,6 +17,7 @@ constexpr DWORD INTERNET_OPEN_TYPE_PRECONFIG = 0;
 constexpr DWORD INTERNET_FLAG_RELOAD = 0x80000000;
 constexpr DWORD INTERNET_FLAG_NO_CACHE_WRITE = 0x04000000;
 constexpr DWORD INTERNET_FLAG_KEEP_CONNECTION = 0x00400000;
+constexpr DWORD INTERNET_OPTION_RECEIVE_TIMEOUT = 6;
 constexpr DWORD HTTP_QUERY_CONTENT_LENGTH = 5;
 constexpr DWORD HTTP_QUERY_STATUS_CODE = 19;
 constexpr DWORD HTTP_QUERY_FLAG_NUMBER = 0x20000000;
@@ -32,6 +33,8 @@ constexpr DWORD ERROR_INTERNET_TIMEOUT = 12002;
 constexpr DWORD ERROR_INTERNET_INVALID_URL = 12005;
 constexpr DWORD ERROR_INTERNET_UNRECOGNIZED_SCHEME = 12006;
 constexpr DWORD ERROR_INTERNET_NAME_NOT_RESOLVED = 12007;
+constexpr DWORD ERROR_INTERNET_INVALID_OPTION = 12009;
+constexpr DWORD ERROR_INTERNET_BAD_OPTION_LENGTH = 12010;
 constexpr DWORD ERROR_INTERNET_INCORRECT_PASSWORD = 12014;
 constexpr DWORD ERROR_INTERNET_OPERATION_CANCELLED = 12017;
 constexpr DWORD ERROR_INTERNET_INCORRECT_HANDLE_TYPE = 12018;
@@ -64,6 +67,8 @@ public:
     virtual DWORD ErrorDialog(HWND hWndParent, HINTERNET hRequest, DWORD dwError) = 0;
     virtual BOOL GetConnectedState(DWORD* pFlags) = 0;
     virtual BOOL GoOnline(const CString& strUrl) = 0;
+    virtual BOOL SetOption(HINTERNET hInternet, DWORD dwOption, const void* pBuffer,
+                           DWORD nLength) = 0;
 };
 
 // While it lives, a wait of this thread inside the functions below ends within 250 ms after the
@@ -101,8 +106,14 @@ HINTERNET InternetOpenUrlA(HINTERNET hSession, const char* pszUrl, const char* p
 BOOL HttpQueryInfoA(HINTERNET hRequest, DWORD dwInfoLevel, void* pBuffer, DWORD* pLength,
                     DWORD* pIndex);
 // The next bytes of the body, up to nCount; waits for the first of them. *pRead 0 with TRUE: the
-// end. FALSE when the reply broke off.
+// end. FALSE when the reply is not whole, or no bytes of it come in time;
+// InternetGetLastResponseInfoA says why.
 BOOL InternetReadFile(HINTERNET hRequest, void* pBuffer, DWORD nCount, DWORD* pRead);
+// INTERNET_OPTION_RECEIVE_TIMEOUT, a DWORD: for how many milliseconds a session waits for the head
+// of a reply, and for each next byte of its body; then the call fails with ERROR_INTERNET_TIMEOUT.
+// What is no byte of the body, lines of a head or marks between chunks, does not prolong it. 0: for
+// ever, as it is from the beginning. Without a handle it holds for all sessions opened afterwards.
+BOOL InternetSetOptionA(HINTERNET hInternet, DWORD dwOption, void* pBuffer, DWORD nLength);
 // TRUE once for a handle.
 BOOL InternetCloseHandle(HINTERNET hInternet);
 // Asks the user, through the prompt service, for name and password for what the request's reply
@@ -111,7 +122,8 @@ BOOL InternetCloseHandle(HINTERNET hInternet);
 // ERROR_SUCCESS when the reply wants none. dwError, dwFlags: as the client gives them. ppData null.
 DWORD InternetErrorDlg(HWND hWndParent, HINTERNET hRequest, DWORD dwError, DWORD dwFlags,
                        void** ppData);
-// Why the calling thread's last InternetOpenUrlA failed, in plain words. *pLength: room in bytes,
+// Why the calling thread's last InternetOpenUrlA or InternetReadFile failed, in plain words; empty
+// when it did not. *pLength: room in bytes,
 // then the text's length. FALSE with ERROR_INSUFFICIENT_BUFFER when it is too small.
 BOOL InternetGetLastResponseInfoA(DWORD* pError, char* pBuffer, DWORD* pLength);
 // Whether an interface other than loopback is up. *pFlags gets INTERNET_CONNECTION_LAN, and
