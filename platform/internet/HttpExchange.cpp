@@ -2,6 +2,7 @@
 
 #include <platform/Internet.h>
 
+#include "internet/TlsContext.h"
 #include "internet/TransferLimits.h"
 #include "internet/TrustedCertificates.h"
 
@@ -45,6 +46,7 @@ void HttpExchange::SetUp() {
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
     // A paused HTTP/2 stream would go on to fill a window of many megabytes.
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    SetUpTls(easy);
     TrustCertificates(easy, m_request.certificateFile);
     curl_easy_setopt(easy, CURLOPT_URL, m_request.url.c_str());
     if (!m_request.agent.empty())

@@ -7,6 +7,7 @@
 #include "browser/common/PageType.h"
 #include "browser/common/PageUrl.h"
 #include "internet/FailureText.h"
+#include "internet/TlsContext.h"
 #include "internet/TransferLimits.h"
 #include "internet/TrustedCertificates.h"
 
@@ -57,6 +58,7 @@ void Transfer::SetUp() {
 void Transfer::SetUpSecurity() {
     CURL* easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    SetUpTls(easy);
     TrustCertificates(easy, m_settings.certificateFile);
     const Credentials& credentials = m_request.credentials;
     if (credentials.user.empty() && credentials.password.empty()) return;
