@@ -24,4 +24,13 @@ std::string ReplyField(CURL* easy, const char* pszName) {
     return std::string(value.substr(0, value.find_last_not_of(" \t\r\n") + 1));
 }
 
+std::string JoinedReplyField(CURL* easy, const char* pszName, unsigned origin) {
+    std::string values;
+    curl_header* field = nullptr;
+    for (std::size_t index = 0;
+         curl_easy_header(easy, pszName, index, origin, -1, &field) == CURLHE_OK; ++index)
+        values += (index > 0 ? ", " : "") + std::string(field->value);
+    return values;
+}
+
 } // namespace platform

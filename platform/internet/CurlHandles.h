@@ -33,5 +33,7 @@ void ResetEasy(CURL* easy);
 void AppendTo(CurlList& list, const std::string& line);
 // The value of the last reply's header field; empty without one.
 std::string ReplyField(CURL* easy, const char* pszName);
+// Those of all fields of that name, joined by ", " (RFC 9110, 5.2). origin: CURLH_...
+std::string JoinedReplyField(CURL* easy, const char* pszName, unsigned origin = CURLH_HEADER);
 
 } // namespace platform

@@ -4,10 +4,13 @@
 
 #include "internet/CertificateCheck.h"
 #include "internet/CurlUrl.h"
+#include "internet/ReplyFraming.h"
 #include "internet/TransferLimits.h"
 
 namespace platform {
 namespace {
+
+constexpr const char* kNoReply = "the server closed the connection without a reply";
 
 std::string CertificateText(CURL* easy) {
     long result = 0;
@@ -48,13 +51,26 @@ std::string ConnectText(CURL* easy) {
     }
 }
 
-std::string BrokenOffText(CURL* easy) {
+bool IsIn(const std::string& text, const char* pszPart) {
+    return text.find(pszPart) != std::string::npos;
+}
+
+std::string BrokenOffText(CURL* easy, const std::string& detail) {
+    const bool isTlsCut = IsIn(detail, "unexpected eof");
+    long headBytes = 0;
+    curl_easy_getinfo(easy, CURLINFO_HEADER_SIZE, &headBytes);
+    if (headBytes == 0)
+        return isTlsCut ? kNoReply : "the connection broke off before there was a reply";
     curl_off_t received = 0;
     curl_off_t announced = -1;
     curl_easy_getinfo(easy, CURLINFO_SIZE_DOWNLOAD_T, &received);
     curl_easy_getinfo(easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
-    return "the connection broke off after " + std::to_string(received) +
-           (announced >= 0 ? " of " + std::to_string(announced) : "") + " bytes";
+    const std::string count = std::to_string(received);
+    if (IsChunkFailure(detail)) return "the reply's chunks are malformed";
+    if (announced >= 0)
+        return "incomplete: " + count + " of " + std::to_string(announced) + " bytes";
+    return std::string("incomplete: the ") + (isTlsCut ? "secure " : "") +
+           "connection broke off after " + count + " bytes";
 }
 
 std::string HostOf(const std::string& url) {
@@ -63,6 +79,10 @@ std::string HostOf(const std::string& url) {
 }
 
 } // namespace
+
+bool IsChunkFailure(const std::string& detail) {
+    return IsIn(detail, "chunked-encoding");
+}
 
 std::string FailureText(CURL* easy, CURLcode code, const std::string& url,
                         const std::string& detail) {
@@ -82,15 +102,16 @@ std::string FailureText(CURL* easy, CURLcode code, const std::string& url,
     case CURLE_SSL_CONNECT_ERROR:
         return "no secure connection: " + detail;
     case CURLE_GOT_NOTHING:
-        return "the server closed the connection without a reply";
+        return kNoReply;
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
     case CURLE_HTTP2:
     case CURLE_HTTP2_STREAM:
-        return BrokenOffText(easy);
+        return BrokenOffText(easy, detail);
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_WEIRD_SERVER_REPLY:
+        if (IsIn(detail, "Content-Length")) return kMalformedLength;
         return "the reply is not HTTP";
     case CURLE_BAD_CONTENT_ENCODING:
         return "the reply's compression is broken";

@@ -1,17 +1,16 @@
 #include "internet/GzipDecoder.h"
 
-#include <platform/String.h>
-
 namespace platform {
 namespace {
 
 constexpr int kLargestWindow = 15;
 constexpr int kDetectGzipAndZlib = 32;
 constexpr char kGzipMark = '\x1F';
+constexpr int kZlibMark = 8; // in the low half of the first byte
 
 } // namespace
 
-GzipDecoder::GzipDecoder() {
+GzipDecoder::GzipDecoder(bool mayBeBare) : m_mayBeBare(mayBeBare) {
     m_isBroken = inflateInit2(&m_stream, kLargestWindow + kDetectGzipAndZlib) != Z_OK;
 }
 
@@ -19,10 +18,10 @@ GzipDecoder::~GzipDecoder() {
     inflateEnd(&m_stream);
 }
 
-bool GzipDecoder::Knows(const std::string& coding) {
-    const CString name(coding);
-    return name.CompareNoCase("gzip") == 0 || name.CompareNoCase("x-gzip") == 0 ||
-           name.CompareNoCase("deflate") == 0;
+void GzipDecoder::LookAtFirstByte(char first) {
+    if (m_mayBeBare && first != kGzipMark && (first & 0x0F) != kZlibMark)
+        m_isBroken = inflateReset2(&m_stream, -kLargestWindow) != Z_OK;
+    m_mayBeBare = false;
 }
 
 // Members follow each other; other bytes behind one are padding.
@@ -42,7 +41,10 @@ std::size_t GzipDecoder::Decode(std::string_view& input, void* output, std::size
     m_stream.avail_out = static_cast<uInt>(room);
     while (!m_isBroken && m_stream.avail_out > 0) {
         if (m_isMemberOver && !BeginNextMember(input)) break;
-        if (!input.empty()) m_isComplete = false;
+        if (!input.empty()) {
+            m_isComplete = false;
+            LookAtFirstByte(input.front());
+        }
         // The library takes a pointer to what it does not change.
         m_stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(input.data()));
         m_stream.avail_in = static_cast<uInt>(input.size());

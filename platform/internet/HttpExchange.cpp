@@ -2,6 +2,7 @@
 
 #include <platform/Internet.h>
 
+#include "internet/ReplyFraming.h"
 #include "internet/TlsContext.h"
 #include "internet/TransferLimits.h"
 #include "internet/TrustedCertificates.h"
@@ -110,11 +111,8 @@ bool HttpExchange::TakeHead(int status) {
     if (status == 101)
         return Fail(ERROR_HTTP_INVALID_SERVER_RESPONSE, "the server switches to another protocol");
     if (status < 200) return true;
-    const CString coding(Field("Transfer-Encoding"));
-    if (!coding.IsEmpty() && coding.CompareNoCase("chunked") != 0 &&
-        coding.CompareNoCase("identity") != 0)
-        return Fail(ERROR_HTTP_INVALID_SERVER_RESPONSE,
-                    "the reply has a transfer coding that nobody asked for");
+    if (std::string problem = FramingProblem(m_channel.Easy()); !problem.empty())
+        return Fail(ERROR_HTTP_INVALID_SERVER_RESPONSE, std::move(problem));
     m_status = status;
     // The library may be about to answer a challenge. When it does not, the body or the end comes.
     // A proxy's name and password may also be part of its URL.
@@ -166,13 +164,7 @@ std::optional<std::string> HttpExchange::PasswordChallenge() const {
     curl_easy_getinfo(easy, isProxy ? CURLINFO_PROXYAUTH_AVAIL : CURLINFO_HTTPAUTH_AVAIL, &schemes);
     if ((schemes & kPasswordSchemes) == 0) return std::nullopt;
     const char* pszName = isProxy ? "Proxy-Authenticate" : "WWW-Authenticate";
-    curl_header* field = nullptr;
-    std::string challenges;
-    for (std::size_t index = 0; curl_easy_header(easy, pszName, index, CURLH_HEADER | CURLH_CONNECT,
-                                                 -1, &field) == CURLHE_OK;
-         ++index)
-        challenges += (index > 0 ? ", " : "") + std::string(field->value);
-    return challenges;
+    return JoinedReplyField(easy, pszName, CURLH_HEADER | CURLH_CONNECT);
 }
 
 std::string HttpExchange::Peer() const {

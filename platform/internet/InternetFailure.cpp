@@ -23,7 +23,8 @@ DWORD CertificateError(CURL* easy) {
     }
 }
 
-DWORD ErrorOf(CURL* easy, CURLcode code) {
+DWORD ErrorOf(CURL* easy, CURLcode code, const std::string& detail) {
+    if (IsChunkFailure(detail)) return ERROR_HTTP_INVALID_SERVER_RESPONSE;
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:
     case CURLE_COULDNT_RESOLVE_PROXY:
@@ -60,7 +61,7 @@ InternetFailure FailureOf(CURL* easy, CURLcode code, bool hasHead, const std::st
     if (!hasHead && connectStatus >= 300)
         return {ERROR_INTERNET_CANNOT_CONNECT,
                 "the proxy refuses the connection (status " + std::to_string(connectStatus) + ")"};
-    return {ErrorOf(easy, code), FailureText(easy, code, url, detail)};
+    return {ErrorOf(easy, code, detail), FailureText(easy, code, url, detail)};
 }
 
 } // namespace platform

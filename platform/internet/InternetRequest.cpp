@@ -65,7 +65,7 @@ std::optional<InternetFailure> InternetRequest::Open(PageUrl url) {
                                    "more than " + std::to_string(kMaxRedirects) + " redirects"};
         if (auto failure = Follow(reference)) return failure;
     }
-    if (GzipDecoder::Knows(m_exchange->Field("Content-Encoding"))) m_decoder.emplace();
+    m_decoder = ContentDecoder::For(m_exchange->Field("Content-Encoding"));
     return std::nullopt;
 }
 
@@ -146,8 +146,7 @@ std::optional<InternetFailure> InternetRequest::Read(void* pBuffer, std::size_t 
         count = Take(pBuffer, room);
         if (count > 0 || room == 0) return std::nullopt;
         if (m_decoder && m_decoder->IsBroken())
-            return InternetFailure{ERROR_HTTP_INVALID_SERVER_RESPONSE,
-                                   "the reply's compression is broken"};
+            return InternetFailure{ERROR_HTTP_INVALID_SERVER_RESPONSE, kBrokenCoding};
         if (m_exchange->HasEnded() && m_exchange->Body().IsEmpty()) return End();
         if (auto failure = WhyOver(patience)) return failure;
         m_exchange->Work();
@@ -172,8 +171,7 @@ std::size_t InternetRequest::Take(void* pBuffer, std::size_t room) {
 std::optional<InternetFailure> InternetRequest::End() const {
     if (m_exchange->Failure()) return m_exchange->Failure();
     if (!m_decoder || m_decoder->IsComplete()) return std::nullopt;
-    return InternetFailure{ERROR_INTERNET_CONNECTION_ABORTED,
-                           "incomplete: the reply's compressed data is cut off"};
+    return InternetFailure{ERROR_INTERNET_CONNECTION_ABORTED, kCutCoding};
 }
 
 std::optional<PasswordQuestion> InternetRequest::Question() const {

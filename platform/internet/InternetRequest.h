@@ -10,7 +10,7 @@
 #include <platform/Internet.h>
 
 #include "browser/common/PageUrl.h"
-#include "internet/GzipDecoder.h"
+#include "internet/ContentDecoder.h"
 #include "internet/HttpExchange.h"
 #include "internet/InternetSession.h"
 
@@ -83,7 +83,7 @@ private:
     std::string m_ownSpace;
     std::optional<UserCredentials> m_ownCredentials; // the URL's own, for m_ownSpace
     std::optional<HttpExchange> m_exchange;          // uses the channel
-    std::optional<GzipDecoder> m_decoder;
+    std::unique_ptr<ContentDecoder> m_decoder;
 };
 
 } // namespace platform

@@ -1,39 +1,81 @@
 #include "support/RawServer.h"
 
+#include <csignal>
 #include <stdexcept>
 #include <string_view>
 
 #include <netinet/in.h>
-#include <poll.h>
+#include <openssl/ssl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace test_support {
 namespace {
 
-// The head of the request; empty when the client goes away first.
-std::string ReceiveHead(int connection) {
-    std::string head;
-    char buffer[4096];
-    while (head.find("\r\n\r\n") == std::string::npos) {
-        const ssize_t count = recv(connection, buffer, sizeof buffer, 0);
-        if (count <= 0) return {};
-        head.append(buffer, static_cast<std::size_t>(count));
-    }
-    return head;
+std::shared_ptr<SSL_CTX> MakeContext(const Certificate& certificate, bool isOld) {
+    std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free);
+    if (isOld) SSL_CTX_set_max_proto_version(context.get(), TLS1_2_VERSION);
+    if (SSL_CTX_use_certificate(context.get(), certificate.X509Pointer()) != 1 ||
+        SSL_CTX_use_PrivateKey(context.get(), certificate.KeyPointer()) != 1)
+        throw std::runtime_error("the raw test server cannot use its certificate");
+    return context;
 }
 
-void SendAll(int connection, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (count <= 0) return;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
+// The thread's own: a write to a client that has gone must not end the process.
+void BlockSigpipe() {
+    sigset_t pipe;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
 }
 
 } // namespace
 
-RawServer::RawServer() {
+class RawConnection {
+public:
+    RawConnection(int socket, SSL_CTX* context)
+        : m_socket(socket), m_tls(context ? SSL_new(context) : nullptr, &SSL_free) {
+        if (!m_tls) return;
+        SSL_set_fd(m_tls.get(), socket);
+        SSL_accept(m_tls.get());
+    }
+
+    // The head of the request; empty when the client goes away first.
+    std::string ReceiveHead() {
+        std::string head;
+        char buffer[4096];
+        while (head.find("\r\n\r\n") == std::string::npos) {
+            const auto count = m_tls ? SSL_read(m_tls.get(), buffer, sizeof buffer)
+                                     : recv(m_socket, buffer, sizeof buffer, 0);
+            if (count <= 0) return {};
+            head.append(buffer, static_cast<std::size_t>(count));
+        }
+        return head;
+    }
+    void Send(std::string_view bytes) {
+        while (!bytes.empty()) {
+            const auto count =
+                m_tls ? SSL_write(m_tls.get(), bytes.data(), static_cast<int>(bytes.size()))
+                      : send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            if (count <= 0) return;
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        }
+    }
+    // What is left to do is to close the socket.
+    void End(ConnectionEnd end) {
+        const linger atOnce{1, 0};
+        if (m_tls && end == ConnectionEnd::told) SSL_shutdown(m_tls.get());
+        if (end == ConnectionEnd::reset)
+            setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    }
+
+private:
+    int m_socket;
+    std::unique_ptr<SSL, decltype(&SSL_free)> m_tls;
+};
+
+RawServer::RawServer(const std::optional<Certificate>& certificate, bool isOld) {
+    if (certificate) m_context = MakeContext(*certificate, isOld);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -55,13 +97,18 @@ RawServer::~RawServer() {
 }
 
 std::string RawServer::Url(const std::string& path) const {
-    return "http://127.0.0.1:" + std::to_string(m_port) + path;
+    return (m_context ? "https://127.0.0.1:" : "http://127.0.0.1:") + std::to_string(m_port) + path;
 }
 
 void RawServer::Set(const std::string& path, std::string bytes, std::shared_ptr<Gate> gate,
                     std::string rest) {
     const std::lock_guard lock(m_mutex);
     m_replies[path] = {std::move(bytes), std::move(gate), std::move(rest)};
+}
+
+void RawServer::Set(const std::string& path, std::string bytes, ConnectionEnd end) {
+    const std::lock_guard lock(m_mutex);
+    m_replies[path] = {std::move(bytes), nullptr, "", end};
 }
 
 void RawServer::Listen() {
@@ -87,23 +134,28 @@ void RawServer::EndConnections() {
 }
 
 void RawServer::Serve(int connection) {
-    bool isKept = false;
-    while (Answer(connection, isKept))
-        isKept = true;
+    BlockSigpipe();
+    {
+        RawConnection peer(connection, m_context.get());
+        bool isKept = false;
+        while (Answer(peer, isKept))
+            isKept = true;
+    }
     const std::lock_guard lock(m_mutex);
     m_open.erase(connection);
     close(connection);
 }
 
 // True when the connection is kept.
-bool RawServer::Answer(int connection, bool isKept) {
-    const std::string head = ReceiveHead(connection);
+bool RawServer::Answer(RawConnection& connection, bool isKept) {
+    const std::string head = connection.ReceiveHead();
     if (head.empty()) return false;
     const Reply reply = ReplyFor(head);
     if (isKept && head.starts_with("POST ")) return false;
-    SendAll(connection, reply.bytes);
+    connection.Send(reply.bytes);
     if (reply.gate) reply.gate->Wait();
-    SendAll(connection, reply.rest);
+    connection.Send(reply.rest);
+    connection.End(reply.end);
     return reply.bytes.find("\r\nConnection: keep-alive\r\n") != std::string::npos;
 }
 

@@ -1,4 +1,4 @@
-// A loopback server that sends exactly the bytes it is told to and then closes the connection: for
+// A loopback server that sends exactly the bytes it is told to and then ends the connection: for
 // replies that no proper server would give. After a reply that says so ("Connection: keep-alive")
 // it keeps the connection, until a request without a reply or a POST comes: as by one that was
 // about to close it, that is read and not answered.
@@ -8,18 +8,30 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "support/Certificates.h"
 #include "support/Gate.h"
+
+// As libssl declares it.
+struct ssl_ctx_st;
 
 namespace test_support {
 
+class RawConnection;
+
+// How a server ends a connection: as it should be, without TLS's word for that, by a reset.
+enum class ConnectionEnd { told, cut, reset };
+
 class RawServer {
 public:
-    RawServer();
+    // With a certificate it speaks HTTPS, by TLS 1.2 when it is old.
+    explicit RawServer(const std::optional<Certificate>& certificate = std::nullopt,
+                       bool isOld = false);
     ~RawServer();
     RawServer(const RawServer&) = delete;
     RawServer& operator=(const RawServer&) = delete;
@@ -29,6 +41,7 @@ public:
     // The reply for a path. With a gate, `rest` follows once the gate is open.
     void Set(const std::string& path, std::string bytes, std::shared_ptr<Gate> gate = nullptr,
              std::string rest = "");
+    void Set(const std::string& path, std::string bytes, ConnectionEnd end);
     // The heads that have arrived, byte for byte, oldest first.
     std::vector<std::string> Requests();
 
@@ -37,14 +50,16 @@ private:
         std::string bytes;
         std::shared_ptr<Gate> gate;
         std::string rest;
+        ConnectionEnd end = ConnectionEnd::told;
     };
 
     void Listen();
     void EndConnections();
     void Serve(int connection);
-    bool Answer(int connection, bool isKept);
+    bool Answer(RawConnection& connection, bool isKept);
     Reply ReplyFor(const std::string& request);
 
+    std::shared_ptr<ssl_ctx_st> m_context; // null: no TLS
     int m_listener = -1;
     int m_port = 0;
     std::atomic<bool> m_isEnding{false};

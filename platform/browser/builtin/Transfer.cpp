@@ -7,6 +7,7 @@
 #include "browser/common/PageType.h"
 #include "browser/common/PageUrl.h"
 #include "internet/FailureText.h"
+#include "internet/ReplyFraming.h"
 #include "internet/TlsContext.h"
 #include "internet/TransferLimits.h"
 #include "internet/TrustedCertificates.h"
@@ -71,7 +72,9 @@ void Transfer::SetUpRequest() {
     CURL* easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_URL, m_request.url.c_str());
     curl_easy_setopt(easy, CURLOPT_USERAGENT, kBuiltinUserAgent);
-    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // all that the library can undo
+    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ContentCodings::kAccepted);
+    // Undone here: the library does not see that one is cut off.
+    curl_easy_setopt(easy, CURLOPT_HTTP_CONTENT_DECODING, 0L);
     m_headerList.reset();
     for (const HeaderField& field : m_request.headers)
         // The library takes "Name:" for "leave it out" and "Name;" for an empty field.
@@ -115,16 +118,17 @@ bool Transfer::TakeHeaderLine(std::string_view line) {
         return false;
     }
     // Interim replies and trailers have an end of their own.
-    if (isEnd && status >= 200 && m_status == 0) TakeHead(status);
-    return true;
+    return !isEnd || status < 200 || m_status != 0 || TakeHead(status);
 }
 
-void Transfer::TakeHead(long status) {
+bool Transfer::TakeHead(long status) {
     m_status = status;
+    m_failure = FramingProblem(m_easy.get());
+    if (!m_failure.empty()) return false;
     if (IsRedirect(status)) m_redirectTarget = ReplyField(m_easy.get(), "Location");
     if (!m_redirectTarget.empty()) {
         m_redirectTime = std::chrono::steady_clock::now();
-        return;
+        return true;
     }
     HeadReceived head;
     head.url = m_request.url;
@@ -134,14 +138,23 @@ void Transfer::TakeHead(long status) {
         WithoutParameters(ReplyField(m_easy.get(), "Content-Disposition")) == "attachment";
     m_type = head.reply.type;
     m_refresh = ReplyField(m_easy.get(), "Refresh");
+    m_codings = ContentCodings(JoinedReplyField(m_easy.get(), "Content-Encoding"));
     Report(std::move(head));
+    return true;
 }
 
 bool Transfer::TakeBody(std::string_view bytes) {
+    if (!m_redirectTarget.empty()) return (m_bodyBytes += bytes.size()) <= kMaxRedirectBodyBytes;
+    if (m_codings.Decode(bytes, [this](std::string_view decoded) { return TakeDecoded(decoded); }))
+        return true;
+    if (m_failure.empty()) m_failure = m_codings.Problem();
+    return false;
+}
+
+bool Transfer::TakeDecoded(std::string_view bytes) {
     if (bytes.empty()) return true;
     const bool isFirst = m_bodyBytes == 0;
     m_bodyBytes += bytes.size();
-    if (!m_redirectTarget.empty()) return m_bodyBytes <= kMaxRedirectBodyBytes;
     if (m_bodyBytes > kMaxPageBytes) {
         m_failure = "the page is larger than " + std::to_string(kMaxPageBytes) + " bytes";
         return false;
@@ -165,6 +178,8 @@ bool Transfer::Finish(CURLcode code) {
         Fail(FailureText(m_easy.get(), code, m_request.url, m_errorBuffer));
     } else if (m_status == 0) {
         Fail("the connection broke off in the head of the reply");
+    } else if (const std::string problem = m_codings.Problem(); !problem.empty()) {
+        Fail(problem);
     } else {
         PageReceived page;
         if (IsHtmlType(m_type))

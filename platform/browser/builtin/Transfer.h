@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "browser/builtin/NetworkMessages.h"
+#include "internet/ContentDecoder.h"
 #include "internet/CurlHandles.h"
 
 namespace platform {
@@ -49,8 +50,9 @@ private:
     void SetUpRequest();
     void SetUpSecurity();
     bool TakeHeaderLine(std::string_view line);
-    void TakeHead(long status);
+    bool TakeHead(long status);
     bool TakeBody(std::string_view bytes);
+    bool TakeDecoded(std::string_view bytes);
     bool Follow();
     void FollowTo(std::string url, bool isSameOrigin);
     void Fail(std::string reason);
@@ -71,6 +73,7 @@ private:
     int m_redirects = 0;
     std::size_t m_headerBytes = 0;
     std::size_t m_bodyBytes = 0;
+    ContentCodings m_codings;
     std::string m_failure; // why a callback has ended the transfer
 };
 
