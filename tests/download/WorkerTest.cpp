@@ -97,13 +97,6 @@ TEST_F(DownloadWorkers, FetchLargeFilesBesideEachOther) {
         EXPECT_TRUE(m_home.ReadFile(std::to_string(i)) == Noise(i == 0 ? 10'000'000 : 70'000, i));
 }
 
-TEST_F(DownloadWorkers, KeepWhatCameBeforeAReplyBrokeOff) {
-    RawServer server;
-    server.Set("/", "HTTP/1.1 200 OK\r\nContent-Length: 9000\r\n\r\nbegin");
-    EXPECT_EQ(CZrHbInet().DownloadFile(server.Url("/").c_str(), File()), FALSE);
-    EXPECT_EQ(m_home.ReadFile("file"), "begin");
-}
-
 TEST_F(DownloadWorkers, StopWhileTheServerIsSilent) {
     const auto gate = std::make_shared<Gate>();
     RawServer server;

@@ -1,5 +1,6 @@
 #include "support/RawServer.h"
 
+#include <chrono>
 #include <csignal>
 #include <stdexcept>
 #include <string_view>
@@ -52,14 +53,15 @@ public:
         }
         return head;
     }
-    void Send(std::string_view bytes) {
+    bool Send(std::string_view bytes) {
         while (!bytes.empty()) {
             const auto count =
                 m_tls ? SSL_write(m_tls.get(), bytes.data(), static_cast<int>(bytes.size()))
                       : send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-            if (count <= 0) return;
+            if (count <= 0) return false;
             bytes.remove_prefix(static_cast<std::size_t>(count));
         }
+        return true;
     }
     // What is left to do is to close the socket.
     void End(ConnectionEnd end) {
@@ -111,6 +113,11 @@ void RawServer::Set(const std::string& path, std::string bytes, ConnectionEnd en
     m_replies[path] = {std::move(bytes), nullptr, "", end};
 }
 
+void RawServer::SetEndless(const std::string& path, std::string bytes, std::string piece) {
+    const std::lock_guard lock(m_mutex);
+    m_replies[path] = {std::move(bytes), nullptr, std::move(piece), ConnectionEnd::told, true};
+}
+
 void RawServer::Listen() {
     while (!m_isEnding) {
         const int connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
@@ -154,7 +161,8 @@ bool RawServer::Answer(RawConnection& connection, bool isKept) {
     if (isKept && head.starts_with("POST ")) return false;
     connection.Send(reply.bytes);
     if (reply.gate) reply.gate->Wait();
-    connection.Send(reply.rest);
+    while (connection.Send(reply.rest) && reply.isEndless)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     connection.End(reply.end);
     return reply.bytes.find("\r\nConnection: keep-alive\r\n") != std::string::npos;
 }

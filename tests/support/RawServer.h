@@ -42,6 +42,8 @@ public:
     void Set(const std::string& path, std::string bytes, std::shared_ptr<Gate> gate = nullptr,
              std::string rest = "");
     void Set(const std::string& path, std::string bytes, ConnectionEnd end);
+    // Behind the bytes comes the piece, over and over, until the client goes away.
+    void SetEndless(const std::string& path, std::string bytes, std::string piece);
     // The heads that have arrived, byte for byte, oldest first.
     std::vector<std::string> Requests();
 
@@ -51,6 +53,7 @@ private:
         std::shared_ptr<Gate> gate;
         std::string rest;
         ConnectionEnd end = ConnectionEnd::told;
+        bool isEndless = false;
     };
 
     void Listen();

