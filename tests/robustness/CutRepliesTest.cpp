@@ -9,11 +9,16 @@ using namespace test_support;
 
 namespace {
 
-int CountOf(const std::string& part, const std::string& text) {
-    int count = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++count;
-    return count;
+// A failure's text in the log; all of them when there are several.
+std::string FailureIn(const std::string& log) {
+    constexpr std::string_view mark = ", Text = \"";
+    std::string texts;
+    for (auto at = log.find("\terror\t"); at != std::string::npos;
+         at = log.find("\terror\t", at + 1)) {
+        const auto begin = log.find(mark, at) + mark.size();
+        texts += log.substr(begin, log.find('"', begin) - begin);
+    }
+    return texts;
 }
 
 TEST(CutReplies, AreNoPages) {
@@ -25,38 +30,34 @@ TEST(CutReplies, AreNoPages) {
     CString url;
     ASSERT_EQ(getter.ConnectV2(nullptr, error, CZrHbUHttpGet::eVisible,
                                CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, ""),
-              ZRHB_OK)
-        << error.GetString();
+              ZRHB_OK);
     servers.ForEach([&](const CutReply& reply, const std::string& from) {
+        const bool isWhole = *reply.reason == '\0';
         CByteBuffer page(4096, 4096);
         CComBSTR status;
-        ASSERT_EQ(getter.Open(CString(from), error, FALSE), ZRHB_OK) << reply.name;
-        const DWORD code = getter.BusyRead(page, error, url, 30'000, FALSE, 0, nullptr, nullptr);
-        ASSERT_EQ(S_OK, getter.Get_IWebBrowser2_ptr()->get_StatusText(&status));
-        EXPECT_EQ(code, *reply.reason ? ZRHB_READ_FAILED : ZRHB_OK) << reply.name;
+        EXPECT_EQ(getter.Open(CString(from), error, FALSE), ZRHB_OK);
+        EXPECT_EQ(getter.BusyRead(page, error, url, 30'000, FALSE, 0, nullptr, nullptr),
+                  isWhole ? ZRHB_OK : ZRHB_READ_FAILED)
+            << reply.name;
+        EXPECT_EQ(S_OK, getter.Get_IWebBrowser2_ptr()->get_StatusText(&status));
         EXPECT_EQ(status.ToAnsi().View(), reply.reason) << reply.name;
         EXPECT_EQ(std::string(page.GetData(), page.GetData() + page.GetSize()),
-                  *reply.reason ? "" : reply.content)
+                  isWhole ? reply.content : "")
             << reply.name;
     });
 }
 
-// The result goes by the length; that a reply is not whole is told once.
 TEST(CutReplies, AreToldByDownloads) {
     CutReplyServers servers;
     servers.ForEach([&](const CutReply& reply, const std::string& from) {
         const TemporaryHome home;
-        const CString file(std::string_view(home.Path("file")));
-        EXPECT_EQ(CZrHbInet().DownloadFile(CString(from), file), reply.isDownloaded ? TRUE : FALSE)
-            << reply.name;
-        EXPECT_EQ(home.ReadFile("file").value_or(""), reply.content) << reply.name;
-        const std::string log = home.ReadFile("log/zrhttpbase3.log").value_or("");
-        const std::string number = std::to_string(reply.error);
-        const std::string told = " with error " + number +
-                                 "\\nInternetGetLastResponseInfo(): Error = " + number +
-                                 ", Text = \"" + reply.reason + "\"";
-        EXPECT_EQ(CountOf(told, log), *reply.reason ? 1 : 0) << reply.name << ": " << log;
-        EXPECT_EQ(CountOf("\terror\t", log), *reply.reason ? 1 : 0) << reply.name << ": " << log;
+        const int result = CZrHbInet().DownloadFile(CString(from), home.Path("file").c_str());
+        const auto file = home.ReadFile("file");
+        EXPECT_EQ(file.value_or(""), reply.content) << reply.name;
+        EXPECT_EQ(FailureIn(*home.ReadFile("log/zrhttpbase3.log")), reply.reason) << reply.name;
+        // The result goes by the length, where there is one.
+        const bool isShort = std::string_view(reply.reason).find(" of ") != std::string_view::npos;
+        EXPECT_EQ(result, file && !isShort ? TRUE : FALSE) << reply.name;
     });
 }
 

@@ -1,11 +1,8 @@
-// Replies that are cut, malformed or whole, whatever reads them: what the server does, what must
-// come.
+// Replies that are cut, malformed or whole: what the server does, what must come.
 #pragma once
 
 #include <string>
 #include <vector>
-
-#include <platform/Types.h>
 
 #include "support/RawServer.h"
 #include "support/ScopedVariable.h"
@@ -14,47 +11,38 @@
 namespace test_support {
 
 struct CutReply {
-    enum class Over { http, https };
+    enum class By { http, httpReset, tls, tlsCut }; // the connection, and its end
 
     const char* name;
-    Over over;
-    ConnectionEnd end;
+    By by;
     std::string bytes;
-    const char* reason;  // in the builtin engine's and the downloads' words; empty: it is whole
-    DWORD error;         // of the internet function that fails
-    std::string content; // what a download has of it: all, or what came before
-    bool isDownloaded;   // as its length has it
+    const char* reason = ""; // in the builtin engine's and the downloads' words; empty: it is whole
+    std::string content = {}; // what a download has of it: all, or what came before
 };
 
 const std::vector<CutReply>& CutReplies();
 
-// Serves them all; over HTTPS by TLS 1.2 and 1.3, with a certificate that is trusted meanwhile.
+// Serves them all; TLS in its versions 1.2 and 1.3, with a certificate that is trusted meanwhile.
 class CutReplyServers {
 public:
-    CutReplyServers();
+    CutReplyServers() { m_home.WriteFile("trusted.pem", m_authority.Pem()); }
 
     // Calls `look` with each reply and its URL.
     template <class TLook>
     void ForEach(const TLook& look) {
         for (const CutReply& one : CutReplies()) {
-            if (one.over == CutReply::Over::http) {
-                look(one, Serve(m_plain, one));
-                continue;
-            }
-            look(one, Serve(m_tls12, one));
-            look(one, Serve(m_tls13, one));
+            const bool isSecure = one.by >= CutReply::By::tls;
+            look(one, Serve(isSecure ? m_tls12 : m_plain, one));
+            if (isSecure) look(one, Serve(m_tls13, one));
         }
     }
 
 private:
-    static std::string Serve(RawServer& server, const CutReply& reply) {
-        server.Set("/", reply.bytes, reply.end);
-        return server.Url("/");
-    }
+    static std::string Serve(RawServer& server, const CutReply& reply);
 
     TemporaryHome m_home;
     Certificate m_authority = Certificate::Authority();
-    ScopedVariable m_trust;
+    ScopedVariable m_trust{"ZRHTTP_CA_FILE", m_home.Path("trusted.pem").c_str()};
     RawServer m_plain;
     RawServer m_tls12{m_authority.Issue("127.0.0.1"), true};
     RawServer m_tls13{m_authority.Issue("127.0.0.1")};

@@ -1,7 +1,6 @@
 #include "support/RawServer.h"
 
 #include <chrono>
-#include <csignal>
 #include <stdexcept>
 #include <string_view>
 
@@ -9,6 +8,8 @@
 #include <openssl/ssl.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include "internet/SigpipeGuard.h"
 
 namespace test_support {
 namespace {
@@ -20,14 +21,6 @@ std::shared_ptr<SSL_CTX> MakeContext(const Certificate& certificate, bool isOld)
         SSL_CTX_use_PrivateKey(context.get(), certificate.KeyPointer()) != 1)
         throw std::runtime_error("the raw test server cannot use its certificate");
     return context;
-}
-
-// The thread's own: a write to a client that has gone must not end the process.
-void BlockSigpipe() {
-    sigset_t pipe;
-    sigemptyset(&pipe);
-    sigaddset(&pipe, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
 }
 
 } // namespace
@@ -141,7 +134,7 @@ void RawServer::EndConnections() {
 }
 
 void RawServer::Serve(int connection) {
-    BlockSigpipe();
+    const platform::SigpipeGuard guard; // TLS writes without MSG_NOSIGNAL
     {
         RawConnection peer(connection, m_context.get());
         bool isKept = false;

@@ -6,7 +6,7 @@
 #include "browser/builtin/UserAgent.h"
 #include "browser/common/PageType.h"
 #include "browser/common/PageUrl.h"
-#include "internet/FailureText.h"
+#include "internet/InternetFailure.h"
 #include "internet/ReplyFraming.h"
 #include "internet/TlsContext.h"
 #include "internet/TransferLimits.h"
@@ -175,7 +175,7 @@ bool Transfer::Finish(CURLcode code) {
     } else if (!m_redirectTarget.empty()) {
         return Follow(); // whatever became of a body that nobody sees
     } else if (code != CURLE_OK) {
-        Fail(FailureText(m_easy.get(), code, m_request.url, m_errorBuffer));
+        Fail(FailureOf(m_easy.get(), code, m_status != 0, m_request.url, m_errorBuffer).text);
     } else if (m_status == 0) {
         Fail("the connection broke off in the head of the reply");
     } else if (const std::string problem = m_codings.Problem(); !problem.empty()) {

@@ -64,16 +64,6 @@ TEST(Failure, APageThatBreaksOffLosesItsDocument) {
     EXPECT_EQ("incomplete: 5 of 10 bytes", browser.Status());
 }
 
-TEST(Failure, HeadWithoutEnd) {
-    RawServer server;
-    std::string head = "HTTP/1.1 200 OK\r\n";
-    for (int line = 0; line < 30'000; ++line)
-        head += "X-Filler: 0123456789\r\n";
-    server.Set("/", head);
-    EXPECT_EQ("the head of the reply is larger than 262144 bytes",
-              StatusOfFailure(server.Url("/")));
-}
-
 TEST(Failure, CertificatesThatAreNotTrusted) {
     const auto statusWith = [](const Certificate& certificate) {
         return StatusOfFailure(TestServer(certificate).Url("/"));

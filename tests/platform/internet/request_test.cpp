@@ -135,26 +135,6 @@ TEST(Request, RedirectsAreFollowedToHttpOnlyAndNotForEver) {
     EXPECT_EQ(ERROR_HTTP_INVALID_SERVER_RESPONSE, FailureOfUrl(server.Url("/bad")).first);
 }
 
-TEST(Request, HeadsHaveABound) {
-    std::string endless = kOk;
-    for (int line = 0; line < 30'000; ++line)
-        endless += "X-Filler: 0123456789\r\n";
-    const struct {
-        std::string reply;
-        DWORD error;
-        const char* text;
-    } cases[] = {
-        {endless, ERROR_HTTP_INVALID_SERVER_RESPONSE, "larger than 262144 bytes"},
-        {kOk + std::string("X: ") + std::string(200'000, 'x'), ERROR_HTTP_INVALID_SERVER_RESPONSE,
-         "too long"},
-    };
-    RawServer server;
-    for (const auto& one : cases) {
-        server.Set("/", one.reply);
-        EXPECT_THAT(FailureOfUrl(server.Url("/")), Pair(one.error, HasSubstr(one.text)));
-    }
-}
-
 TEST(Request, WhatCannotBeAskedForOrReachedFails) {
     int port = 0;
     {
