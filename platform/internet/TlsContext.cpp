@@ -14,23 +14,36 @@ char s_end = 0; // what marks a connection that is at its end
 
 long TellEnd(BIO* connection, int operation, const char*, std::size_t, int command, long,
              int result, std::size_t*) {
-    if (operation == (BIO_CB_READ | BIO_CB_RETURN) && result == 0 && !BIO_should_retry(connection))
+    if (operation == (BIO_CB_READ | BIO_CB_RETURN) && result == 0 &&
+        !BIO_should_retry(connection)) {
         BIO_set_callback_arg(connection, &s_end);
-    const bool isQuestion = operation == (BIO_CB_CTRL | BIO_CB_RETURN) && command == BIO_CTRL_EOF;
-    return isQuestion && BIO_get_callback_arg(connection) ? 1 : result;
+        return -1; // what OpenSSL says of it is lost where a proxy's connection lies below
+    }
+    if (operation == (BIO_CB_CTRL | BIO_CB_RETURN) && command == BIO_CTRL_EOF)
+        return BIO_get_callback_arg(connection) ? 1 : 0;
+    return result;
+}
+
+// HTTP/2 tells the end of each reply itself, and the transfer library reads on behind it.
+bool IsHttp2(const SSL* session) {
+    const unsigned char* name = nullptr;
+    unsigned length = 0;
+    SSL_get0_alpn_selected(session, &name, &length);
+    return length == 2 && name[0] == 'h' && name[1] == '2';
+}
+
+void HeedTheMissingEnd(SSL* session) {
+    SSL_clear_options(session, SSL_OP_IGNORE_UNEXPECTED_EOF);
+    BIO_set_callback_ex(SSL_get_rbio(session), &TellEnd);
 }
 
 void OnProgress(const SSL* session, int what, int) {
-    if (what & SSL_CB_HANDSHAKE_DONE) BIO_set_callback_ex(SSL_get_rbio(session), &TellEnd);
-}
-
-void HeedTheMissingEnd(SSL_CTX* context) {
-    SSL_CTX_clear_options(context, SSL_OP_IGNORE_UNEXPECTED_EOF);
-    SSL_CTX_set_info_callback(context, &OnProgress);
+    if ((what & SSL_CB_HANDSHAKE_DONE) && !IsHttp2(session))
+        HeedTheMissingEnd(const_cast<SSL*>(session)); // which is the transfer library's
 }
 
 CURLcode SetUpContext(CURL*, void* context, void*) {
-    HeedTheMissingEnd(static_cast<SSL_CTX*>(context));
+    SSL_CTX_set_info_callback(static_cast<SSL_CTX*>(context), &OnProgress);
     return CURLE_OK;
 }
 
