@@ -44,7 +44,8 @@ public:
     ~CZrHbInet() override;
 
     // Downloads on the calling thread; TRUE when the file is complete: as long as the reply said
-    // or, when it did not say, as long as what came. Without a group: group 2.
+    // or, when it did not say, as long as what came (that this was cut or malformed is told in the
+    // log). Without a group: group 2.
     int DownloadFile(EZrAbAppGroup eGroup, const CString& strUrl, const CString& strFile);
     int DownloadFile(const CString& strUrl, const CString& strFile);
 
