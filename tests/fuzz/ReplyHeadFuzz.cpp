@@ -1,5 +1,5 @@
 // The values of a reply's fields that are taken apart here (libcurl reads the lines), and its body
-// as gzip or deflate. The first byte says in what pieces the body comes.
+// in each content coding. The first byte says in what pieces the body comes.
 #include <algorithm>
 #include <string>
 
@@ -8,7 +8,7 @@
 #include "browser/common/HeaderBlock.h"
 #include "browser/common/PageType.h"
 #include "internet/AuthenticationRealm.h"
-#include "internet/GzipDecoder.h"
+#include "internet/ContentDecoder.h"
 
 namespace {
 
@@ -29,23 +29,25 @@ struct Unpacked {
     bool operator==(const Unpacked&) const = default;
 };
 
-Unpacked Unpack(std::string_view packed, std::size_t pieceSize, std::size_t room) {
-    GzipDecoder decoder;
+Unpacked Unpack(const char* coding, std::string_view packed, std::size_t pieceSize,
+                std::size_t room) {
+    const auto decoder = ContentDecoder::For(coding);
     Unpacked result;
     std::string output(room, '\0');
-    while (!packed.empty() && !decoder.IsBroken() && result.bytes.size() < kMostOutput) {
+    while (!packed.empty() && !decoder->IsBroken() && result.bytes.size() < kMostOutput) {
         const std::string copy(packed.substr(0, pieceSize));
         std::string_view piece = copy;
         std::size_t count = 0;
         do {
-            count = decoder.Decode(piece, output.data(), room);
+            count = decoder->Decode(piece, output.data(), room);
             Check(count <= room && piece.size() <= copy.size());
             result.bytes.append(output, 0, count);
         } while (count > 0 && result.bytes.size() < kMostOutput);
         packed.remove_prefix(copy.size());
     }
-    result.isBroken = decoder.IsBroken();
-    result.isComplete = decoder.IsComplete();
+    result.isBroken = decoder->IsBroken();
+    result.isComplete = decoder->IsComplete();
+    if (result.isBroken) result.bytes.clear(); // what came before is not for sure
     return result;
 }
 
@@ -73,7 +75,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0) return 0;
     const std::string_view text = AsText(data + 1, size - 1);
     CheckFields(text);
-    const Unpacked whole = Unpack(text, text.size(), 1 << 16);
-    if (whole.bytes.size() < kMostOutput) Check(Unpack(text, data[0] + 1u, 100) == whole);
+    for (const char* coding : {"gzip", "deflate", "br"}) {
+        const Unpacked whole = Unpack(coding, text, text.size(), 1 << 16);
+        if (whole.bytes.size() < kMostOutput)
+            Check(Unpack(coding, text, data[0] + 1u, 100) == whole);
+    }
     return 0;
 }
