@@ -87,6 +87,8 @@ TEST(Request, LengthsThatAreNotThoseOfTheBytesAreUnknown) {
         {"/until-end", kOk + std::string("\r\nabcd"), "abcd", 0},
         {"/beyond", kOk + std::string("Content-Length: 5000000000\r\n\r\nab"), "ab",
          ERROR_INTERNET_CONNECTION_ABORTED},
+        {"/bad-chunk", kOk + std::string("Transfer-Encoding: chunked\r\n\r\n-1\r\n"), "",
+         ERROR_HTTP_INVALID_SERVER_RESPONSE},
         {"/gzip", coded("gzip", packed), text, 0},
         {"/members", coded("X-GZip", members), text, 0},
     };
