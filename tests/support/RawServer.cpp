@@ -156,8 +156,9 @@ bool RawServer::Answer(RawConnection& connection, bool isKept) {
     if (reply.gate) reply.gate->Wait();
     while (connection.Send(reply.rest) && reply.isEndless)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    if (reply.bytes.find("\r\nConnection: keep-alive\r\n") != std::string::npos) return true;
     connection.End(reply.end);
-    return reply.bytes.find("\r\nConnection: keep-alive\r\n") != std::string::npos;
+    return false;
 }
 
 RawServer::Reply RawServer::ReplyFor(const std::string& request) {
