@@ -101,14 +101,10 @@ void RawServer::Set(const std::string& path, std::string bytes, std::shared_ptr<
     m_replies[path] = {std::move(bytes), std::move(gate), std::move(rest)};
 }
 
-void RawServer::Set(const std::string& path, std::string bytes, ConnectionEnd end) {
+void RawServer::Set(const std::string& path, std::string bytes, ConnectionEnd end,
+                    std::string rest) {
     const std::lock_guard lock(m_mutex);
-    m_replies[path] = {std::move(bytes), nullptr, "", end};
-}
-
-void RawServer::SetEndless(const std::string& path, std::string bytes, std::string piece) {
-    const std::lock_guard lock(m_mutex);
-    m_replies[path] = {std::move(bytes), nullptr, std::move(piece), ConnectionEnd::told, true};
+    m_replies[path] = {std::move(bytes), nullptr, std::move(rest), end};
 }
 
 void RawServer::Listen() {
@@ -154,7 +150,7 @@ bool RawServer::Answer(RawConnection& connection, bool isKept) {
     if (isKept && head.starts_with("POST ")) return false;
     connection.Send(reply.bytes);
     if (reply.gate) reply.gate->Wait();
-    while (connection.Send(reply.rest) && reply.isEndless)
+    while (connection.Send(reply.rest) && reply.end == ConnectionEnd::none)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     if (reply.bytes.find("\r\nConnection: keep-alive\r\n") != std::string::npos) return true;
     connection.End(reply.end);

@@ -24,8 +24,8 @@ namespace test_support {
 
 class RawConnection;
 
-// How a server ends a connection: as it should be, without TLS's word for that, by a reset.
-enum class ConnectionEnd { told, cut, reset };
+// How a server ends a connection: as it should be, without TLS's word for that, by a reset; never.
+enum class ConnectionEnd { told, cut, reset, none };
 
 class RawServer {
 public:
@@ -41,9 +41,8 @@ public:
     // The reply for a path. With a gate, `rest` follows once the gate is open.
     void Set(const std::string& path, std::string bytes, std::shared_ptr<Gate> gate = nullptr,
              std::string rest = "");
-    void Set(const std::string& path, std::string bytes, ConnectionEnd end);
-    // Behind the bytes comes the piece, over and over, until the client goes away.
-    void SetEndless(const std::string& path, std::string bytes, std::string piece);
+    // Without an end, `rest` comes over and over, until the client goes away.
+    void Set(const std::string& path, std::string bytes, ConnectionEnd end, std::string rest = "");
     // The heads that have arrived, byte for byte, oldest first.
     std::vector<std::string> Requests();
 
@@ -53,7 +52,6 @@ private:
         std::shared_ptr<Gate> gate;
         std::string rest;
         ConnectionEnd end = ConnectionEnd::told;
-        bool isEndless = false;
     };
 
     void Listen();

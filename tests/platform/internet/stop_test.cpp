@@ -46,10 +46,10 @@ using namespace test_support;
 using namespace std::chrono_literals;
 using std::chrono::steady_clock;
 
-// Takes connections into its queue and never looks at them; one that is full takes none.
-class SilentServer {
+// Its queue is full: it takes no connections.
+class FullServer {
 public:
-    explicit SilentServer(bool isFull) {
+    FullServer() {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -57,27 +57,24 @@ public:
         auto* pAddress = reinterpret_cast<sockaddr*>(&address);
         m_sockets.push_back(socket(AF_INET, SOCK_STREAM, 0));
         EXPECT_EQ(0, bind(m_sockets[0], pAddress, length));
-        EXPECT_EQ(0, listen(m_sockets[0], isFull ? 0 : 8));
+        EXPECT_EQ(0, listen(m_sockets[0], 0));
         EXPECT_EQ(0, getsockname(m_sockets[0], pAddress, &length));
-        m_port = ntohs(address.sin_port);
-        for (int filler = 0; isFull && filler < 4; ++filler) {
+        url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
+        for (int filler = 0; filler < 4; ++filler) {
             m_sockets.push_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
             connect(m_sockets.back(), pAddress, length);
         }
     }
-    ~SilentServer() {
+    ~FullServer() {
         for (int one : m_sockets)
             close(one);
     }
-    SilentServer(const SilentServer&) = delete;
-    SilentServer& operator=(const SilentServer&) = delete;
-    std::string Url(const std::string& scheme) const {
-        return scheme + "://127.0.0.1:" + std::to_string(m_port) + "/";
-    }
+    FullServer(const FullServer&) = delete;
+    FullServer& operator=(const FullServer&) = delete;
+    std::string url;
 
 private:
     std::vector<int> m_sockets;
-    int m_port = 0;
 };
 
 // Runs `wait`, which must wait, and `end` beside it; how long `wait` went on after that.
@@ -104,14 +101,15 @@ constexpr auto kAtMost = 400ms;
 
 TEST(Stop, EndsTheWaitForTheHeadInEveryPhase) {
     s_isSlow = true;
-    const SilentServer full(true);
-    const SilentServer silent(false);
+    const FullServer full;
     RawServer server;
     const auto gate = std::make_shared<Gate>();
+    server.Set("/silent", "", gate);
     server.Set("/head", "HTTP/1.1 200 OK\r\nConte", gate);
+    const std::string silent = "https://127.0.0.1:" + std::to_string(server.Port()) + "/";
     const InternetHandle session = OpenSession();
-    for (const std::string& url : {"http://" + std::string(kSlowName) + "/", full.Url("http"),
-                                   silent.Url("https"), silent.Url("http"), server.Url("/head")}) {
+    for (const std::string& url : {"http://" + std::string(kSlowName) + "/", full.url, silent,
+                                   server.Url("/silent"), server.Url("/head")}) {
         std::atomic<int> word{0};
         const platform::ScopedInternetStop stop(word);
         const auto time = TimeToEnd(
@@ -177,9 +175,10 @@ TEST(Stop, ClosingAHandleEndsWhatWaitsOnIt) {
 TEST(Stop, ATimeWithoutProgressIsTheEnd) {
     RawServer server;
     const std::string ok = "HTTP/1.1 200 OK\r\n";
-    server.SetEndless("/head", ok, "X: 1\r\n");
-    server.SetEndless("/chunk", ok + "Transfer-Encoding: chunked\r\n\r\n2\r\n12\r\n4;", "x");
-    server.SetEndless("/slow", ok + "Content-Length: 100\r\n\r\n", "x");
+    server.Set("/head", ok, ConnectionEnd::none, "X: 1\r\n");
+    server.Set("/chunk", ok + "Transfer-Encoding: chunked\r\n\r\n2\r\n12\r\n4;",
+               ConnectionEnd::none, "x");
+    server.Set("/slow", ok + "Content-Length: 100\r\n\r\n", ConnectionEnd::none, "x");
     const auto setTime = [](HINTERNET session, DWORD option, DWORD time) {
         return InternetSetOptionA(session, option, &time, sizeof time);
     };
