@@ -2,6 +2,7 @@
 
 #include "browser/chromium/ChromiumBrowser.h"
 #include "browser/chromium/ChromiumProcess.h"
+#include "internet/FurtherCertificates.h"
 #include "window/BrowserWindow.h"
 
 namespace platform {
@@ -15,6 +16,10 @@ bool ChromiumSendsPostsOnce(CString& strError) {
     const bool isOnce = ChromiumBrowser::SendsPostsOnce(error);
     strError = CString(error);
     return isOnce;
+}
+
+CString CertificateFileProblem() {
+    return CString(ReadFurtherCertificates().problem);
 }
 
 CString BrowserDisplayName() {

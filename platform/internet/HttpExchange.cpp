@@ -48,7 +48,7 @@ void HttpExchange::SetUp() {
     // A paused HTTP/2 stream would go on to fill a window of many megabytes.
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     SetUpTls(easy);
-    TrustCertificates(easy, m_request.certificateFile);
+    TrustCertificates(easy, m_request.certificates);
     curl_easy_setopt(easy, CURLOPT_URL, m_request.url.c_str());
     if (!m_request.agent.empty())
         curl_easy_setopt(easy, CURLOPT_USERAGENT, m_request.agent.c_str());

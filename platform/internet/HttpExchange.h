@@ -8,6 +8,7 @@
 
 #include "internet/CredentialStore.h"
 #include "internet/CurlChannel.h"
+#include "internet/FurtherCertificates.h"
 #include "internet/InternetFailure.h"
 #include "internet/ReadAhead.h"
 
@@ -18,7 +19,7 @@ struct ExchangeRequest {
     std::string agent; // empty: no user-agent field
     std::optional<UserCredentials> server;
     std::optional<UserCredentials> proxy;
-    std::string certificateFile;
+    const FurtherCertificates& certificates;
     CURLSH* share = nullptr;
 };
 

@@ -56,6 +56,9 @@ std::optional<InternetFailure> InternetRequest::Open(PageUrl url) {
     if (!url.user.empty() || !url.password.empty())
         m_ownCredentials = UserCredentials{std::move(url.user), std::move(url.password)};
     for (int redirects = 0;; ++redirects) {
+        if (const std::string& problem = m_session->Certificates().problem;
+            !problem.empty() && SchemeOf(m_url) == "https")
+            return InternetFailure{ERROR_INTERNET_INVALID_CA, problem};
         Begin();
         if (auto failure = WaitForHead()) return failure;
         const std::string reference = RedirectTarget();
@@ -74,7 +77,7 @@ void InternetRequest::Begin() {
                             m_session->Agent(),
                             ServerCredentials(),
                             m_session->Credentials().Find(ProxySpace()),
-                            m_session->CertificateFile(),
+                            m_session->Certificates(),
                             m_session->Share()};
     m_exchange.reset(); // leaves the channel
     m_exchange.emplace(*m_channel, std::move(request));

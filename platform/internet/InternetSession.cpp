@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <platform/Settings.h>
-
 #include "internet/CurlGlobal.h"
 
 namespace platform {
@@ -17,9 +15,7 @@ std::string WithoutControls(std::string text) {
 
 } // namespace
 
-InternetSession::InternetSession(std::string agent)
-    : m_agent(WithoutControls(std::move(agent))),
-      m_certificateFile(GetSetting("ZRHTTP_CA_FILE").value.GetString()) {
+InternetSession::InternetSession(std::string agent) : m_agent(WithoutControls(std::move(agent))) {
     EnsureCurlIsReady();
     m_share.reset(curl_share_init());
     curl_share_setopt(m_share.get(), CURLSHOPT_LOCKFUNC, &InternetSession::Lock);

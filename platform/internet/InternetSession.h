@@ -11,6 +11,7 @@
 
 #include "internet/CredentialStore.h"
 #include "internet/CurlChannel.h"
+#include "internet/FurtherCertificates.h"
 
 namespace platform {
 
@@ -22,7 +23,7 @@ public:
     InternetSession& operator=(const InternetSession&) = delete;
 
     const std::string& Agent() const { return m_agent; }
-    const std::string& CertificateFile() const { return m_certificateFile; }
+    const FurtherCertificates& Certificates() const { return m_certificates; }
     CredentialStore& Credentials() { return m_credentials; }
     CURLSH* Share() const { return m_share.get(); }
 
@@ -45,7 +46,7 @@ private:
     static void Unlock(CURL* easy, curl_lock_data data, void* locks);
 
     const std::string m_agent;
-    const std::string m_certificateFile;
+    const FurtherCertificates m_certificates = ReadFurtherCertificates();
     CredentialStore m_credentials;
     std::atomic<bool> m_isClosed{false};
     std::atomic<std::chrono::milliseconds> m_receiveTimeout{};

@@ -1,13 +1,13 @@
 // Whom a transfer trusts to vouch for a server.
 #pragma once
 
-#include <string>
-
 #include <curl/curl.h>
+
+#include "internet/FurtherCertificates.h"
 
 namespace platform {
 
-// certificateFile: certificates (PEM) that are trusted beside the system's, or empty.
-void TrustCertificates(CURL* easy, const std::string& certificateFile);
+// `further` is trusted beside the system's, by servers and by proxies that speak TLS.
+void TrustCertificates(CURL* easy, const FurtherCertificates& further);
 
 } // namespace platform

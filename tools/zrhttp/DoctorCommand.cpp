@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <curl/curl.h>
+#include <platform/BrowserSurroundings.h>
 #include <platform/Registry.h>
 #include <platform/Settings.h>
 #include <platform/UserPaths.h>
@@ -105,10 +106,10 @@ void CheckCertificates(Diagnosis& diagnosis) {
                           "Install the package ca-certificates.");
     const std::string further = Text(platform::GetSetting("ZRHTTP_CA_FILE").value);
     if (further.empty()) return;
-    diagnosis.Fact("ZRHTTP_CA_FILE", further, CanRead(further) ? "found" : "cannot be read");
-    if (!CanRead(further))
-        diagnosis.Problem("The file that ZRHTTP_CA_FILE names cannot be read: " + further,
-                          "Correct or unset ZRHTTP_CA_FILE.");
+    const std::string problem = Text(platform::CertificateFileProblem());
+    diagnosis.Fact("ZRHTTP_CA_FILE", further, problem.empty() ? "found" : "cannot be used");
+    if (!problem.empty())
+        diagnosis.Problem("No https page can load: " + problem, "Correct or unset ZRHTTP_CA_FILE.");
 }
 
 void ShowSurroundings(Diagnosis& diagnosis) {

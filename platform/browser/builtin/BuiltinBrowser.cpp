@@ -2,8 +2,6 @@
 
 #include <chrono>
 
-#include <platform/Settings.h>
-
 #include "browser/common/BrowserEvents.h"
 
 namespace platform {
@@ -14,9 +12,7 @@ BuiltinBrowser::~BuiltinBrowser() {
 }
 
 NetworkThread& BuiltinBrowser::Network() {
-    if (!m_network)
-        m_network = std::make_unique<NetworkThread>(std::make_shared<Inbox>(Link()),
-                                                    GetSetting("ZRHTTP_CA_FILE").value.GetString());
+    if (!m_network) m_network = std::make_unique<NetworkThread>(std::make_shared<Inbox>(Link()));
     return *m_network;
 }
 

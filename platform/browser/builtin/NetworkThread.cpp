@@ -41,8 +41,7 @@ private:
     std::set<NetworkThread*> m_all;
 };
 
-NetworkThread::NetworkThread(std::shared_ptr<Inbox> inbox, std::string certificateFile)
-    : m_inbox(std::move(inbox)) {
+NetworkThread::NetworkThread(std::shared_ptr<Inbox> inbox) : m_inbox(std::move(inbox)) {
     EnsureCurlIsReady();
     m_multi.reset(curl_multi_init());
     m_share.reset(curl_share_init());
@@ -50,7 +49,7 @@ NetworkThread::NetworkThread(std::shared_ptr<Inbox> inbox, std::string certifica
     curl_share_setopt(m_share.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
     curl_share_setopt(m_share.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
     curl_multi_setopt(m_multi.get(), CURLMOPT_MAX_HOST_CONNECTIONS, kMaxConnectionsPerHost);
-    m_settings = {m_share.get(), std::move(certificateFile)};
+    m_settings = {m_share.get(), ReadFurtherCertificates()};
     m_thread = std::thread([this] { Run(); });
     RunningOnes::OfThisThread().Add(this);
 }
@@ -116,6 +115,10 @@ bool NetworkThread::HandleCommands() {
 bool NetworkThread::Handle(FetchRequest& request) {
     if (!IsHttpUrl(request.url)) {
         FetchAtOnce(request);
+        return true;
+    }
+    if (std::string reason = m_settings.ReasonAgainst(request.url); !reason.empty()) {
+        m_events.push_back({request.id, FetchFailed{request.url, std::move(reason)}});
         return true;
     }
     CurlEasy easy;

@@ -21,8 +21,7 @@ namespace platform {
 // on the owner's thread; what comes of a fetch goes to the inbox.
 class NetworkThread {
 public:
-    // certificateFile: further trusted certificates (PEM), or empty.
-    NetworkThread(std::shared_ptr<Inbox> inbox, std::string certificateFile);
+    explicit NetworkThread(std::shared_ptr<Inbox> inbox);
     // Ends all fetches and waits for the thread.
     ~NetworkThread();
     NetworkThread(const NetworkThread&) = delete;

@@ -60,7 +60,7 @@ void Transfer::SetUpSecurity() {
     CURL* easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
     SetUpTls(easy);
-    TrustCertificates(easy, m_settings.certificateFile);
+    TrustCertificates(easy, m_settings.certificates);
     const Credentials& credentials = m_request.credentials;
     if (credentials.user.empty() && credentials.password.empty()) return;
     if (OriginOf(m_request.url) != credentials.origin) return;
@@ -203,6 +203,8 @@ bool Transfer::Follow() {
         Fail("the server redirects to a URL that is neither http nor https");
     else if (++m_redirects > kMaxRedirects)
         Fail("more than " + std::to_string(kMaxRedirects) + " redirects");
+    else if (const std::string reason = m_settings.ReasonAgainst(*url); !reason.empty())
+        Fail(reason);
     else if (const bool isSame = OriginOf(*url) == OriginOf(m_request.url);
              !isSame && m_status >= 307 && !m_request.postData.empty())
         Fail("the server redirects the post data to another origin");

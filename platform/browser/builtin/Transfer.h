@@ -8,15 +8,22 @@
 #include <vector>
 
 #include "browser/builtin/NetworkMessages.h"
+#include "browser/common/PageUrl.h"
 #include "internet/ContentDecoder.h"
 #include "internet/CurlHandles.h"
+#include "internet/FurtherCertificates.h"
 
 namespace platform {
 
 // What all transfers of one browser share.
 struct TransferSettings {
     CURLSH* share = nullptr; // cookies and TLS sessions
-    std::string certificateFile;
+    FurtherCertificates certificates;
+
+    // Why the URL must not be asked for; empty when it may.
+    std::string ReasonAgainst(const std::string& url) const {
+        return SchemeOf(url) == "https" ? certificates.problem : std::string();
+    }
 };
 
 // On the network thread only. What it finds out is appended to `events`.

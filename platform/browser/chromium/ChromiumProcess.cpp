@@ -12,9 +12,11 @@
 #include <platform/Settings.h>
 #include <unistd.h>
 
+#include "browser/chromium/CertificateStore.h"
 #include "browser/chromium/ProfileDirectory.h"
 #include "browser/chromium/SpawnProgram.h"
 #include "browser/chromium/SupervisorScript.h"
+#include "internet/FurtherCertificates.h"
 
 namespace platform {
 namespace {
@@ -110,17 +112,21 @@ void WarnAboutSandbox() {
     static_cast<void>(isWarned);
 }
 
-void TrustFurtherCertificates(const std::string& profile) {
-    const CString file = GetSetting("ZRHTTP_CA_FILE").value;
+// Returns why the user's certificates cannot be read, or nothing.
+std::string TrustFurtherCertificates(const std::string& profile) {
+    const FurtherCertificates further = ReadFurtherCertificates();
     std::string error;
-    if (!file.IsEmpty() && !TrustCertificates(profile, file.GetString(), error))
+    if (!further.certificates.empty() &&
+        !FillCertificateStore(profile, further.certificates, error))
         ReportDiagnostic(Severity::failure, CString(error));
+    return further.problem;
 }
 
 class RunningChromium final : public ChromiumProcess {
 public:
-    RunningChromium(std::string profile, OwnedDescriptor life)
-        : m_profile(std::move(profile)), m_life(std::move(life)) {}
+    RunningChromium(std::string profile, OwnedDescriptor life, std::string certificateProblem)
+        : m_profile(std::move(profile)), m_life(std::move(life)),
+          m_certificateProblem(std::move(certificateProblem)) {}
     ~RunningChromium() override { Quit(); }
 
     void Converse(PipeEnds& commands, PipeEnds& answers, PipeEnds& errors) {
@@ -131,6 +137,7 @@ public:
     DevToolsConnection& Connection() override { return *m_connection; }
     std::string WindowInstance() const override { return "(" + m_profile + ")"; }
     const std::string& ProfileDirectory() const override { return m_profile; }
+    const std::string& CertificateProblem() const override { return m_certificateProblem; }
     void Quit() override {
         m_connection->Send({}, "Browser.close", nlohmann::json::object());
         m_connection->Close();
@@ -140,6 +147,7 @@ public:
 private:
     const std::string m_profile;
     OwnedDescriptor m_life; // what the supervisor watches
+    const std::string m_certificateProblem;
     std::shared_ptr<DevToolsConnection> m_connection;
 };
 
@@ -188,7 +196,7 @@ std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std
         return nullptr;
     }
     if (geteuid() == 0) WarnAboutSandbox();
-    TrustFurtherCertificates(profile);
+    std::string certificateProblem = TrustFurtherCertificates(profile);
     if (!StartSupervised(*browser, profile, display, *commands, *answers, *errors, *life)) {
         error = std::string("Chromium cannot be started: ") + std::strerror(errno);
         // Removing a directory takes a descriptor, and there may be none to spare.
@@ -198,7 +206,8 @@ std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std
         std::filesystem::remove_all(profile, ignored);
         return nullptr;
     }
-    const auto process = std::make_shared<RunningChromium>(profile, std::move(life->write));
+    const auto process = std::make_shared<RunningChromium>(profile, std::move(life->write),
+                                                           std::move(certificateProblem));
     process->Converse(*commands, *answers, *errors);
     return process;
 }

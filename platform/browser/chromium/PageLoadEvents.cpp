@@ -132,7 +132,7 @@ void PageLoads::OnFailed(const DevToolsEvent& event) {
         load->isLoaded = true;
         return Commit(load);
     }
-    Fail(load, NetErrorText(error, load->url),
+    Fail(load, ReasonOf(error, load->url),
          error == "net::ERR_ABORTED" ? Aftermath::pageStays : Aftermath::errorPage);
 }
 

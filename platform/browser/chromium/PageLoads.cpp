@@ -88,6 +88,7 @@ void PageLoads::Announce(const DocumentLoadPtr& load) {
 // page, without a request; an empty page in between makes it a new one.
 void PageLoads::Start(const DocumentLoadPtr& load) {
     std::string reason = MapFile(load->request.target.url);
+    if (reason.empty()) reason = CertificateProblem(load->url);
     if (!reason.empty())
         return Browser().Link()->Post([self = shared_from_this(), load, reason](BrowserObject&) {
             if (!self->IsOver(load)) self->Fail(load, reason, Aftermath::errorPage);
@@ -148,7 +149,18 @@ void PageLoads::OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply
     // It comes when the page is shown; a renderer that is just starting may not report that.
     if (failure.empty() && load->hasHead && Top().next == load) return Commit(load);
     if (failure.empty() || load->hasHead) return;
-    Fail(load, NetErrorText(failure, load->url), Aftermath::errorPage);
+    Fail(load, ReasonOf(failure, load->url), Aftermath::errorPage);
+}
+
+std::string PageLoads::CertificateProblem(const std::string& url) const {
+    return SchemeOf(url) == "https" ? m_page.Application().CertificateProblem() : std::string();
+}
+
+// Pages go on to https by themselves, too.
+std::string PageLoads::ReasonOf(const std::string& error, const std::string& url) const {
+    const std::string& problem = m_page.Application().CertificateProblem();
+    const bool isUntrusted = error == "net::ERR_CERT_AUTHORITY_INVALID";
+    return isUntrusted && !problem.empty() ? problem : NetErrorText(error, url);
 }
 
 void PageLoads::AbandonAll() {

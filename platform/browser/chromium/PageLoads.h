@@ -63,6 +63,8 @@ private:
     void StartOver(const DocumentLoadPtr& load);
     void OnTopShown();
     void OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply& reply);
+    std::string CertificateProblem(const std::string& url) const;
+    std::string ReasonOf(const std::string& error, const std::string& url) const;
     void AbandonAll();
 
     // Events of the page.

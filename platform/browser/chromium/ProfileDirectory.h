@@ -9,8 +9,4 @@ namespace platform {
 // saves a browser's start the wait for a disk. Empty when none can be made.
 std::string MakeProfileDirectory();
 
-// Makes the certificates of the PEM file trusted by the browser whose home the directory is. False
-// with the reason in plain words.
-bool TrustCertificates(const std::string& home, const std::string& pemFile, std::string& error);
-
 } // namespace platform

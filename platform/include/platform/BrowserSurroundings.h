@@ -21,6 +21,10 @@ bool ChromiumSendsPostsOnce(CString& strError);
 // answer, or ZRHTTP_HEADLESS is 1.
 CString BrowserDisplayName();
 
+// Why the file that the setting ZRHTTP_CA_FILE names cannot be used, in plain words. Empty when it
+// can, or none is named.
+CString CertificateFileProblem();
+
 } // namespace platform
 
 ZRHB_EXPORT_END

@@ -1,0 +1,14 @@
+// The store of certificates that a browser process looks into beside the system's.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace platform {
+
+// Makes the certificates (PEM) trusted by the browser whose home the directory is. False with the
+// reason in plain words.
+bool FillCertificateStore(const std::string& home, const std::vector<std::string>& certificates,
+                          std::string& error);
+
+} // namespace platform
