@@ -1,6 +1,9 @@
 #include "internet/TlsContext.h"
 
+#include <memory>
+
 #include <openssl/ssl.h>
+#include <openssl/x509v3.h>
 
 namespace platform {
 namespace {
@@ -42,8 +45,36 @@ void OnProgress(const SSL* session, int what, int) {
         HeedTheMissingEnd(const_cast<SSL*>(session)); // which is the transfer library's
 }
 
+// A name or an address as certificates name servers (RFC 9525, 3).
+bool NamesServer(const X509* certificate) {
+    const std::unique_ptr<GENERAL_NAMES, decltype(&GENERAL_NAMES_free)> names(
+        static_cast<GENERAL_NAMES*>(
+            X509_get_ext_d2i(certificate, NID_subject_alt_name, nullptr, nullptr)),
+        &GENERAL_NAMES_free);
+    for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) {
+        const int type = sk_GENERAL_NAME_value(names.get(), i)->type;
+        if (type == GEN_DNS || type == GEN_IPADD) return true;
+    }
+    return false;
+}
+
+// Called for each certificate of the chain, the server's own last.
+int CheckNames(int isTrusted, X509_STORE_CTX* chain) {
+    if (isTrusted == 0 || X509_STORE_CTX_get_error_depth(chain) > 0) return isTrusted;
+    if (NamesServer(X509_STORE_CTX_get_current_cert(chain))) return isTrusted;
+    X509_STORE_CTX_set_error(chain, X509_V_ERR_HOSTNAME_MISMATCH);
+    return 0;
+}
+
+// The transfer library compares the host with the certificate's names, and with its common name
+// where it has none, which says nothing of whose it is.
+void IgnoreTheCommonName(SSL_CTX* context) {
+    SSL_CTX_set_verify(context, SSL_CTX_get_verify_mode(context), &CheckNames);
+}
+
 CURLcode SetUpContext(CURL*, void* context, void*) {
     SSL_CTX_set_info_callback(static_cast<SSL_CTX*>(context), &OnProgress);
+    IgnoreTheCommonName(static_cast<SSL_CTX*>(context));
     return CURLE_OK;
 }
 
