@@ -1,5 +1,7 @@
-// What was wrong with a server's certificate.
+// What was wrong with the certificate of a server or a proxy.
 #pragma once
+
+#include <curl/curl.h>
 
 namespace platform {
 
@@ -15,5 +17,19 @@ enum class CertificateCheck : long {
     revoked = 23,
     hostMismatch = 62
 };
+
+struct CertificateFailure {
+    CertificateCheck check{};
+    bool isProxys = false;
+};
+
+// Of a transfer that has ended with CURLE_PEER_FAILED_VERIFICATION.
+inline CertificateFailure CertificateFailureOf(CURL* easy) {
+    long server = 0;
+    long proxy = 0;
+    curl_easy_getinfo(easy, CURLINFO_SSL_VERIFYRESULT, &server);
+    curl_easy_getinfo(easy, CURLINFO_PROXY_SSL_VERIFYRESULT, &proxy);
+    return {CertificateCheck{proxy != 0 ? proxy : server}, proxy != 0};
+}
 
 } // namespace platform

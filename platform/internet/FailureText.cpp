@@ -12,10 +12,8 @@ namespace {
 
 constexpr const char* kNoReply = "the server closed the connection without a reply";
 
-std::string CertificateText(CURL* easy) {
-    long result = 0;
-    curl_easy_getinfo(easy, CURLINFO_SSL_VERIFYRESULT, &result);
-    switch (static_cast<CertificateCheck>(result)) {
+std::string CertificateText(CertificateCheck check) {
+    switch (check) {
     case CertificateCheck::expired:
         return "certificate has expired";
     case CertificateCheck::notYetValid:
@@ -33,7 +31,12 @@ std::string CertificateText(CURL* easy) {
     case CertificateCheck::hostMismatch:
         return "certificate is for another host";
     }
-    return "certificate is not trusted (check " + std::to_string(result) + ")";
+    return "certificate is not trusted (check " + std::to_string(static_cast<long>(check)) + ")";
+}
+
+std::string PeersCertificateText(CURL* easy) {
+    const CertificateFailure failure = CertificateFailureOf(easy);
+    return (failure.isProxys ? "the proxy's " : "") + CertificateText(failure.check);
 }
 
 std::string ConnectText(CURL* easy) {
@@ -96,7 +99,7 @@ std::string FailureText(CURL* easy, CURLcode code, const std::string& url,
     case CURLE_OPERATION_TIMEDOUT:
         return "no connection within " + std::to_string(kConnectTimeout.count()) + " seconds";
     case CURLE_PEER_FAILED_VERIFICATION:
-        return CertificateText(easy);
+        return PeersCertificateText(easy);
     case CURLE_SSL_CACERT_BADFILE:
         return "the file of trusted certificates cannot be read";
     case CURLE_SSL_CONNECT_ERROR:

@@ -9,9 +9,7 @@ namespace platform {
 namespace {
 
 DWORD CertificateError(CURL* easy) {
-    long result = 0;
-    curl_easy_getinfo(easy, CURLINFO_SSL_VERIFYRESULT, &result);
-    switch (static_cast<CertificateCheck>(result)) {
+    switch (CertificateFailureOf(easy).check) {
     case CertificateCheck::expired:
     case CertificateCheck::notYetValid:
         return ERROR_INTERNET_SEC_CERT_DATE_INVALID;

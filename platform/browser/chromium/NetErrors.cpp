@@ -14,7 +14,7 @@ struct Entry {
     const char* text;
 };
 
-constexpr std::array<Entry, 36> kTexts{{
+constexpr std::array<Entry, 37> kTexts{{
     {"ABORTED", "the loading was stopped"},
     {"ACCESS_DENIED", kConnectionsStay},
     {"ADDRESS_INVALID", "cannot connect to the server"},
@@ -44,6 +44,7 @@ constexpr std::array<Entry, 36> kTexts{{
     {"INVALID_CHUNKED_ENCODING", "the reply is not HTTP"},
     {"INVALID_HTTP_RESPONSE", "the reply is not HTTP"},
     {"INVALID_REDIRECT", "the server redirects to a malformed URL"},
+    {"PROXY_CERTIFICATE_INVALID", "the proxy's certificate is not trusted"},
     {"PROXY_CONNECTION_FAILED", "cannot connect to the proxy"},
     {"RESPONSE_HEADERS_TOO_BIG", "the head of the reply is too large"},
     {"SSL_PROTOCOL_ERROR", "no secure connection"},
