@@ -22,6 +22,7 @@ std::string CertificateText(CertificateCheck check) {
         return "self-signed certificate";
     case CertificateCheck::selfSignedInChain:
         return "certificate of an unknown authority (self-signed certificate in the chain)";
+    case CertificateCheck::badSignature:
     case CertificateCheck::unknownIssuer:
     case CertificateCheck::unknownFirst:
         return "certificate of an unknown authority";

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
 
@@ -60,6 +61,8 @@ bool NamesServer(const X509* certificate) {
 
 // Called for each certificate of the chain, the server's own last.
 int CheckNames(int isTrusted, X509_STORE_CTX* chain) {
+    // What has been put down on the way would be taken for the reason.
+    if (isTrusted == 0) ERR_clear_error();
     if (isTrusted == 0 || X509_STORE_CTX_get_error_depth(chain) > 0) return isTrusted;
     if (NamesServer(X509_STORE_CTX_get_current_cert(chain))) return isTrusted;
     X509_STORE_CTX_set_error(chain, X509_V_ERR_HOSTNAME_MISMATCH);

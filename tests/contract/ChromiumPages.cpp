@@ -22,8 +22,6 @@ bool IsBrowser(const Process& process) {
 
 void ChromiumPages::SetUpTestSuite() {
     s_shared = std::make_unique<Shared>();
-    s_shared->home.WriteFile("trusted.pem", s_shared->authority.Pem() + s_shared->expired.Pem());
-    s_shared->certificates.emplace("ZRHTTP_CA_FILE", s_shared->home.Path("trusted.pem").c_str());
     s_shared->getter.SetSecurityTimeout(0);
     CString error;
     ASSERT_EQ(s_shared->getter.ConnectV2(nullptr, error, CZrHbUHttpGet::eVisible,

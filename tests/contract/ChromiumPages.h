@@ -11,7 +11,6 @@
 
 #include <ZrHbUHttpGet.h>
 
-#include "support/Certificates.h"
 #include "support/TemporaryHome.h"
 #include "support/TestServer.h"
 
@@ -24,8 +23,6 @@ protected:
 
     CZrHbUHttpGet& Getter() { return s_shared->getter; }
     TestServer& Server() { return s_shared->server; }
-    const Certificate& Authority() { return s_shared->authority; }
-    const Certificate& Expired() { return s_shared->expired; }
 
     DWORD Connect();
     DWORD Open(const std::string& url, BOOL bKeepPageOpen = FALSE) {
@@ -49,10 +46,6 @@ protected:
 private:
     struct Shared {
         TemporaryHome home;
-        Certificate authority = Certificate::Authority();
-        // Trusted, so that nothing else is wrong with it.
-        Certificate expired = Certificate::SelfSigned("127.0.0.1", Validity::expired);
-        std::optional<ScopedVariable> certificates;
         ScopedVariable engine{"ZRHTTP_APPLICATION", "chromium"};
         ScopedVariable headless{"ZRHTTP_HEADLESS", "1"};
         ScopedVariable system{"ZRHTTP_LEGACY_SYSTEM", "1"}; // where pages open out of process

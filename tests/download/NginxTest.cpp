@@ -97,7 +97,7 @@ protected:
                                "location /old { return 301 $scheme://$http_host/page; }\n"
                                "location /guarded/ { auth_basic Bank; auth_basic_user_file " +
                                    m_home.Path("users") + "; }\n",
-                               m_authority.Issue("127.0.0.1").PemWithKey()});
+                               m_authority.Issue({"IP:127.0.0.1"}).PemWithKey()});
         for (const char* directory : {"/zipped", "/chunked", "/guarded"})
             std::filesystem::create_directory(m_server->File(directory));
     }

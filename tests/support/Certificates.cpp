@@ -29,15 +29,17 @@ void SetName(X509* certificate, const std::string& name) {
 
 void SetValidity(X509* certificate, Validity validity) {
     constexpr long day = 24L * 60 * 60;
-    const bool isExpired = validity == Validity::expired;
-    X509_gmtime_adj(X509_getm_notBefore(certificate), isExpired ? -10 * day : -day);
-    X509_gmtime_adj(X509_getm_notAfter(certificate), isExpired ? -5 * day : day);
+    const long start = validity == Validity::expired  ? -10 * day
+                       : validity == Validity::future ? 5 * day
+                                                      : -day;
+    X509_gmtime_adj(X509_getm_notBefore(certificate), start);
+    X509_gmtime_adj(X509_getm_notAfter(certificate), start + 2 * day);
 }
 
 } // namespace
 
-Certificate Certificate::Make(const std::string& name, const std::string& hostAddress,
-                              Validity validity, const Certificate* issuer) {
+Certificate Certificate::Make(const ServerIdentity& owner, bool isAuthority,
+                              const Certificate* issuer) {
     static std::atomic<long> serial{1};
     Certificate made;
     made.m_key.reset(EVP_EC_gen("P-256"), &EVP_PKEY_free);
@@ -46,29 +48,32 @@ Certificate Certificate::Make(const std::string& name, const std::string& hostAd
     X509* signer = issuer ? issuer->X509Pointer() : certificate;
     X509_set_version(certificate, 2);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), serial++);
-    SetName(certificate, name);
-    SetValidity(certificate, validity);
+    SetName(certificate, owner.commonName);
+    SetValidity(certificate, owner.validity);
     X509_set_issuer_name(certificate, X509_get_subject_name(signer));
     X509_set_pubkey(certificate, made.KeyPointer());
     AddExtension(certificate, signer, NID_basic_constraints,
-                 hostAddress.empty() ? "critical,CA:TRUE" : "CA:FALSE");
-    if (!hostAddress.empty())
-        AddExtension(certificate, signer, NID_subject_alt_name, "IP:" + hostAddress);
+                 isAuthority ? "critical,CA:TRUE" : "CA:FALSE");
+    if (!owner.names.empty()) AddExtension(certificate, signer, NID_subject_alt_name, owner.names);
     if (!X509_sign(certificate, issuer ? issuer->KeyPointer() : made.KeyPointer(), EVP_sha256()))
         throw std::runtime_error("the test certificate cannot be signed");
     return made;
 }
 
-Certificate Certificate::SelfSigned(const std::string& hostAddress, Validity validity) {
-    return Make("test server", hostAddress, validity, nullptr);
+Certificate Certificate::SelfSigned(const ServerIdentity& server) {
+    return Make(server, false, nullptr);
 }
 
 Certificate Certificate::Authority() {
-    return Make("test authority", "", Validity::current, nullptr);
+    return Make({"", Validity::current, "test authority"}, true, nullptr);
 }
 
-Certificate Certificate::Issue(const std::string& hostAddress) const {
-    return Make("test server", hostAddress, Validity::current, this);
+Certificate Certificate::Issue(const ServerIdentity& server) const {
+    return Make(server, false, this);
+}
+
+Certificate Certificate::IssueAuthority() const {
+    return Make({"", Validity::current, "lower authority"}, true, this);
 }
 
 namespace {

@@ -10,17 +10,23 @@ struct evp_pkey_st;
 
 namespace test_support {
 
-enum class Validity { current, expired };
+enum class Validity { current, expired, future };
+
+// What a server's certificate says of it.
+struct ServerIdentity {
+    std::string names; // "IP:127.0.0.1,DNS:localhost": its subjectAltName; empty: none
+    Validity validity = Validity::current;
+    std::string commonName = "test server";
+};
 
 // A certificate with its key.
 class Certificate {
 public:
-    // hostAddress is an IP address, for example "127.0.0.1".
-    static Certificate SelfSigned(const std::string& hostAddress,
-                                  Validity validity = Validity::current);
+    static Certificate SelfSigned(const ServerIdentity& server);
     static Certificate Authority();
     // Signed by this one, which must be an authority.
-    Certificate Issue(const std::string& hostAddress) const;
+    Certificate Issue(const ServerIdentity& server) const;
+    Certificate IssueAuthority() const;
 
     // The certificate alone, in PEM.
     std::string Pem() const;
@@ -29,8 +35,8 @@ public:
     evp_pkey_st* KeyPointer() const { return m_key.get(); }
 
 private:
-    static Certificate Make(const std::string& name, const std::string& hostAddress,
-                            Validity validity, const Certificate* issuer);
+    static Certificate Make(const ServerIdentity& owner, bool isAuthority,
+                            const Certificate* issuer);
 
     std::shared_ptr<x509_st> m_certificate;
     std::shared_ptr<evp_pkey_st> m_key;

@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <platform/Settings.h>
+
 #include "platform/browser/BrowserSink.h"
 #include "platform/browser/TestBrowser.h"
+#include "platform/internet/InternetClient.h"
 #include "support/DiagnosticRecorder.h"
 #include "support/PumpUntil.h"
 #include "support/RawServer.h"
@@ -64,25 +67,91 @@ TEST(Failure, APageThatBreaksOffLosesItsDocument) {
     EXPECT_EQ("incomplete: 5 of 10 bytes", browser.Status());
 }
 
-TEST(Failure, CertificatesThatAreNotTrusted) {
-    const auto statusWith = [](const Certificate& certificate) {
-        return StatusOfFailure(TestServer(certificate).Url("/"));
-    };
-    const Certificate authority = Certificate::Authority();
-    EXPECT_EQ("self-signed certificate", statusWith(Certificate::SelfSigned("127.0.0.1")));
-    EXPECT_EQ("certificate of an unknown authority", statusWith(authority.Issue("127.0.0.1")));
-
+TEST(Failure, OfCertificates) {
     const TemporaryHome home;
-    const Certificate expired = Certificate::SelfSigned("127.0.0.1", Validity::expired);
-    home.WriteFile("extra.pem", authority.Pem() + expired.Pem());
-    const ScopedVariable trust("ZRHTTP_CA_FILE", home.Path("extra.pem").c_str());
-    EXPECT_EQ("certificate is for another host", statusWith(authority.Issue("127.0.0.2")));
-    EXPECT_EQ("certificate has expired", statusWith(expired));
-    TestServer trusted(authority.Issue("127.0.0.1"));
-    trusted.Set("/", Html("secure"));
+    const Certificate authority = Certificate::Authority();
+    const Certificate trusted = Certificate::SelfSigned({"IP:127.0.0.1"});
+    home.WriteFile("trusted.pem", authority.PemWithKey() + trusted.Pem());
+    const ScopedVariable trust("ZRHTTP_CA_FILE", home.Path("trusted.pem").c_str());
+    const bool isBuiltin = platform::GetSetting("ZRHTTP_CONTROL").value != "chromium";
+    using Outcome = std::pair<DWORD, std::string>; // of a download; the text is the browser's, too
+    const Outcome page{0, "opened"};
+    const Outcome otherHost{ERROR_INTERNET_SEC_CERT_CN_INVALID, "certificate is for another host"};
+    const Outcome unknown{ERROR_INTERNET_INVALID_CA, "certificate of an unknown authority"};
+    const Outcome selfSigned{ERROR_INTERNET_INVALID_CA, "self-signed certificate"};
+    const auto outOfDate = [&](const std::string& text) {
+        return Outcome{ERROR_INTERNET_SEC_CERT_DATE_INVALID,
+                       isBuiltin ? text : "certificate has expired or is not yet valid"};
+    };
+    const auto issue = [&](const std::string& names, const std::string& commonName = "any") {
+        return authority.Issue({names, Validity::current, commonName});
+    };
+    const struct {
+        const char* host;
+        Certificate presented;
+        Outcome outcome;
+    } cases[] = {
+        {"127.0.0.1", issue("IP:127.0.0.1"), page},
+        {"localhost", issue("DNS:other.example,DNS:localhost", "other.example"), page},
+        {"www.bank.localhost", issue("DNS:*.bank.localhost"), page},
+        {"a.www.bank.localhost", issue("DNS:*.bank.localhost"), otherHost},
+        {"bank.localhost", issue("DNS:*.bank.localhost"), otherHost},
+        {"127.0.0.1", issue("IP:127.0.0.2"), otherHost},
+        {"127.0.0.1", issue("DNS:127.0.0.1"), otherHost},
+        {"127.0.0.1", issue("", "127.0.0.1"), otherHost},
+        {"localhost", issue("", "localhost"), otherHost},
+        {"localhost", issue("email:a@localhost", "localhost"), otherHost},
+        {"localhost", issue("DER:301982176c6f63616c686f7374002e6576696c2e6578616d706c65"), // a NUL
+         otherHost},
+        {"127.0.0.1", authority.Issue({"IP:127.0.0.1", Validity::expired}),
+         outOfDate("certificate has expired")},
+        {"127.0.0.1", authority.Issue({"IP:127.0.0.1", Validity::future}),
+         outOfDate("certificate is not yet valid")},
+        {"127.0.0.1", Certificate::Authority().Issue({"IP:127.0.0.1"}), unknown},
+        {"127.0.0.1", authority.IssueAuthority().Issue({"IP:127.0.0.1"}), unknown},
+        {"127.0.0.1", Certificate::SelfSigned({"IP:127.0.0.1"}), isBuiltin ? selfSigned : unknown},
+        {"127.0.0.1", trusted, page},
+    };
+    Answer opened = Html("opened");
+    opened.headers = {{"Connection", "close"}};
     TestBrowser browser;
-    browser.Load(trusted.Url("/"));
-    EXPECT_EQ("secure", browser.Source());
+    for (const auto& one : cases) {
+        TestServer server(one.presented);
+        server.Set("/", opened);
+        const std::string url =
+            "https://" + std::string(one.host) + ":" + std::to_string(server.Port()) + "/";
+        const auto row = &one - cases;
+        browser.Load(url);
+        EXPECT_EQ(one.outcome.second, browser.HasDocument() ? browser.Source() : browser.Status())
+            << row;
+        EXPECT_EQ(one.outcome != page, server.Requests().empty()) << row;
+        if (isBuiltin) {
+            EXPECT_EQ(one.outcome, FailureOfUrl(url)) << row;
+        }
+    }
+}
+
+TEST(Failure, OfAFileOfTrustedCertificatesThatCannotBeUsed) {
+    const TemporaryHome home;
+    const std::string good = Certificate::Authority().Pem();
+    home.WriteFile("none.pem", "");
+    home.WriteFile("broken.pem", good + "-----BEGIN CERTIFICATE-----\nMIIB\n" + good);
+    TestServer server;
+    server.Set("/", Redirect(302, "https://127.0.0.1:1/"));
+    const std::pair<const char*, const char*> cases[] = {
+        {"missing.pem", "No such file or directory"},
+        {"none.pem", "it holds no certificate in PEM"},
+        {"broken.pem", "its PEM block 2 is broken"},
+        {"", "it is not a regular file"}};
+    for (const auto& [name, reason] : cases) {
+        const std::string path = home.Path(name);
+        const ScopedVariable trust("ZRHTTP_CA_FILE", path.c_str());
+        const std::string outcome =
+            "the certificates of ZRHTTP_CA_FILE cannot be used: " + path + ": " + reason;
+        EXPECT_EQ(outcome, StatusOfFailure("https://127.0.0.1:1/"));
+        for (const std::string& url : {std::string("https://127.0.0.1:1/"), server.Url("/")})
+            EXPECT_EQ(std::pair(ERROR_INTERNET_INVALID_CA, outcome), FailureOfUrl(url));
+    }
 }
 
 TEST(Failure, MalformedUrls) {

@@ -155,24 +155,6 @@ TEST(Request, WhatCannotBeAskedForOrReachedFails) {
         EXPECT_EQ(ERROR_INTERNET_UNRECOGNIZED_SCHEME, FailureOfUrl(url).first) << url;
 }
 
-TEST(Request, ServersOfHttpsMustBeTrusted) {
-    const TemporaryHome home;
-    const Certificate authority = Certificate::Authority();
-    const Certificate expired = Certificate::SelfSigned("127.0.0.1", Validity::expired);
-    TestServer trusted(authority.Issue("127.0.0.1"));
-    TestServer elsewhere(authority.Issue("127.0.0.2"));
-    TestServer old(expired);
-    trusted.Set("/", Html("secure"));
-    EXPECT_EQ(ERROR_INTERNET_INVALID_CA, FailureOfUrl(trusted.Url("/")).first);
-
-    home.WriteFile("extra.pem", authority.Pem() + expired.Pem());
-    const ScopedVariable trust("ZRHTTP_CA_FILE", home.Path("extra.pem").c_str());
-    EXPECT_EQ(ERROR_INTERNET_SEC_CERT_CN_INVALID, FailureOfUrl(elsewhere.Url("/")).first);
-    EXPECT_EQ(ERROR_INTERNET_SEC_CERT_DATE_INVALID, FailureOfUrl(old.Url("/")).first);
-    EXPECT_TRUE(trusted.Requests().empty());
-    EXPECT_EQ("secure", ReadAll(OpenUrl(OpenSession(), trusted.Url("/"))).bytes);
-}
-
 TEST(Request, HandlesAreClosedOnceAndAreWhatTheyAre) {
     TestServer server;
     char buffer[4];
