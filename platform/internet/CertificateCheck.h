@@ -7,7 +7,7 @@ namespace platform {
 
 // The numbers of X509_V_ERR_..., as CURLINFO_SSL_VERIFYRESULT reports them.
 enum class CertificateCheck : long {
-    notFinished = 1, // stays so when the host name is what does not fit
+    notFinished = 1,  // stays so when the host name is what does not fit
     badSignature = 7, // by an authority of that name, but with another key
     notYetValid = 9,
     expired = 10,

@@ -18,11 +18,12 @@ bool ReadFilePage(const std::string& fileName, ReplyBody& body, std::string& err
     if (!error.empty()) return false;
     std::ifstream file(fileName, std::ios::binary);
     std::vector<char> piece(64 * 1024);
+    std::size_t bytes = 0;
     while (file) {
         file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
-        body.Append({piece.data(), static_cast<std::size_t>(file.gcount())});
-        if (body.Size() > kMaxPageBytes) {
-            error = "the page is larger than " + std::to_string(kMaxPageBytes) + " bytes";
+        bytes += static_cast<std::size_t>(file.gcount());
+        if (!body.Append({piece.data(), static_cast<std::size_t>(file.gcount())})) {
+            error = TooLargeText(bytes);
             return false;
         }
     }

@@ -199,12 +199,11 @@ HtmlScan ScanHtml(std::string_view bytes, const std::string& pageUrl, std::strin
     const std::string html = ToUtf8(bytes);
     if (!MayHoldAnything(html)) return {};
     Scanner scanner(pageUrl);
-    if (IsTooDeep(html) ||
-        !VisitGumboTree(html, [&](const GumboNode& root) { scanner.Walk(root); })) {
+    if (IsTooDeep(html))
         problem = "the document is nested too deeply to look for frames";
-        return {};
-    }
-    return scanner.Result();
+    else if (!VisitGumboTree(html, [&](const GumboNode& root) { scanner.Walk(root); }))
+        problem = "the document has too many elements to look for frames";
+    return problem.empty() ? scanner.Result() : HtmlScan{};
 }
 
 } // namespace platform

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string>
 
 namespace platform {
 
@@ -15,7 +16,8 @@ constexpr int kMaxRefreshSeconds = 24 * 60 * 60;
 constexpr std::size_t kMaxFrames = 128;
 // A frame within a frame within ...: frames of dynamic pages can nest without end.
 constexpr int kMaxFrameDepth = 8;
-// The page as kept in memory, after decompression: a few KB can unpack to gigabytes.
+// The page with its frames as kept in memory, after decompression: a few KB can unpack to
+// gigabytes. The document that would pass it fails.
 constexpr std::size_t kMaxPageBytes = std::size_t{256} * 1024 * 1024;
 // Connections to one host at a time, as browsers have it: frames load side by side without
 // flooding a server.
@@ -26,8 +28,15 @@ constexpr std::size_t kMaxScannedBytes = std::size_t{16} * 1024 * 1024;
 // Elements within elements. Building a deep tree takes time by the square of its depth; browsers
 // cut at 512.
 constexpr std::size_t kMaxElementDepth = 1024;
-// What the tree of one document may cost, should nesting have been counted too low.
-constexpr std::size_t kMaxTreeBytes = std::size_t{1024} * 1024 * 1024;
+// What the tree of one document may cost. Pages of texts and tables take ten times their own size
+// at most; those made of elements without content take up to sixty times.
+constexpr std::size_t kMaxTreeBytes = std::size_t{256} * 1024 * 1024;
 constexpr std::chrono::seconds kMaxTreeTime{5}; // of processor time
+
+// Why a document fails of which that many bytes have come.
+inline std::string TooLargeText(std::size_t bytes) {
+    return std::string(bytes > kMaxPageBytes ? "the page" : "the page with its frames") +
+           " is larger than " + std::to_string(kMaxPageBytes) + " bytes";
+}
 
 } // namespace platform

@@ -37,7 +37,8 @@ NavigationRequest GetRequest(const std::string& url) {
 } // namespace
 
 Navigation::Navigation(BuiltinBrowser& browser, NavigationRequest request)
-    : m_browser(browser), m_top(std::make_shared<Page>()) {
+    : m_browser(browser), m_top(std::make_shared<Page>()),
+      m_budget(std::make_shared<ByteBudget>(kMaxPageBytes)) {
     m_top->request = std::move(request);
 }
 
@@ -78,7 +79,7 @@ void Navigation::Announce(const PagePtr& page) {
 
 void Navigation::Fetch(const PagePtr& page) {
     if (m_browser.IsOffline()) return Fail(page, page->request.target.url, "browser is offline");
-    page->body = std::make_shared<ReplyBody>();
+    page->body = std::make_shared<ReplyBody>(m_budget);
     FetchRequest fetch;
     fetch.id = m_browser.NextFetchId();
     fetch.url = page->request.target.url;
@@ -213,6 +214,7 @@ void Navigation::Fail(const PagePtr& page, const std::string& url, const std::st
     page->url = url;
     page->refresh.reset();
     face.SetDocument(nullptr);
+    page->body.reset();
     face.SetStatusText(reason);
     face.SetLocation(url);
     // Sinks count navigations and documents, so both events come, whatever happened.

@@ -47,6 +47,7 @@ private:
 
     BuiltinBrowser& m_browser; // not touched once abandoned
     const PagePtr m_top;
+    const std::shared_ptr<ByteBudget> m_budget; // of the page with its frames
     std::map<FetchId, PagePtr> m_fetches;
     std::size_t m_frameCount = 0;
     bool m_isAbandoned = false;

@@ -155,11 +155,10 @@ bool Transfer::TakeDecoded(std::string_view bytes) {
     if (bytes.empty()) return true;
     const bool isFirst = m_bodyBytes == 0;
     m_bodyBytes += bytes.size();
-    if (m_bodyBytes > kMaxPageBytes) {
-        m_failure = "the page is larger than " + std::to_string(kMaxPageBytes) + " bytes";
+    if (!m_request.body->Append(bytes)) {
+        m_failure = TooLargeText(m_bodyBytes);
         return false;
     }
-    m_request.body->Append(bytes);
     if (isFirst) Report(FirstBytesReceived{});
     return true;
 }

@@ -1,12 +1,21 @@
 #include "browser/common/ReplyBody.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace platform {
 
-void ReplyBody::Append(std::string_view bytes) {
+ReplyBody::~ReplyBody() {
+    if (m_budget) m_budget->GiveBack(m_bytes.size());
+}
+
+bool ReplyBody::Append(std::string_view bytes) {
     const std::lock_guard lock(m_mutex);
-    m_bytes.append(bytes);
+    const bool isAllowed = !m_budget || m_budget->Take(bytes.size());
+    if (isAllowed)
+        m_bytes.append(bytes);
+    else
+        m_budget->GiveBack(std::exchange(m_bytes, {}).size());
+    return isAllowed;
 }
 
 void ReplyBody::Replace(std::string bytes) {

@@ -2,16 +2,27 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
+
+#include "browser/common/ByteBudget.h"
 
 namespace platform {
 
 // Written by one thread (the network's), read by any.
 class ReplyBody {
 public:
-    void Append(std::string_view bytes);
+    // budget: what it shares with others, or null.
+    explicit ReplyBody(std::shared_ptr<ByteBudget> budget = nullptr)
+        : m_budget(std::move(budget)) {}
+    ~ReplyBody();
+    ReplyBody(const ReplyBody&) = delete;
+    ReplyBody& operator=(const ReplyBody&) = delete;
+
+    // False when the budget does not allow it: what was there is dropped, too.
+    bool Append(std::string_view bytes);
     void Replace(std::string bytes);
     std::size_t Size() const;
     // Copies bytes from `offset` on, as many as there are and fit; returns how many.
@@ -20,6 +31,7 @@ public:
     std::string_view ViewByWriter() const { return m_bytes; }
 
 private:
+    const std::shared_ptr<ByteBudget> m_budget;
     mutable std::mutex m_mutex;
     std::string m_bytes;
 };

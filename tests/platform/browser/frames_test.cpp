@@ -5,7 +5,10 @@
 #include "browser/builtin/GumboTree.h"
 #include "platform/browser/BrowserSink.h"
 #include "platform/browser/TestBrowser.h"
+#include "support/DiagnosticRecorder.h"
 #include "support/PumpUntil.h"
+#include "support/RawServer.h"
+#include "support/TemporaryHome.h"
 #include "support/TestServer.h"
 
 namespace platform_test {
@@ -13,6 +16,8 @@ namespace {
 
 using namespace test_support;
 using testing::ElementsAre;
+using testing::EndsWith;
+using testing::UnorderedElementsAre;
 
 class Frames : public testing::Test {
 protected:
@@ -140,6 +145,28 @@ TEST_F(Frames, AreBoundedInNumberAndDepth) {
     EXPECT_EQ(0u, m_server.Requests("/nest9").size());
 }
 
+TEST_F(Frames, AreBoundedInBytesTogether) {
+    const TemporaryHome home;
+    RawServer server;
+    home.WriteFile("page.htm", "<iframe src=big.txt></iframe><iframe src=big.txt></iframe>"
+                               "<iframe src='" +
+                                   server.Url("/20") +
+                                   "'></iframe>"
+                                   "<iframe src='" +
+                                   server.Url("/20") + "'></iframe>");
+    home.WriteFile("big.txt", "");
+    std::filesystem::resize_file(home.Path("big.txt"), 230 << 20);
+    server.Set("/20",
+               "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\n" + std::string(20 << 20, 'x'));
+    TestBrowser browser;
+    DiagnosticRecorder recorder;
+    browser.Load("file://" + home.Path("page.htm"));
+    EXPECT_TRUE(browser.HasDocument());
+    const std::string reason = ": the page with its frames is larger than 268435456 bytes";
+    EXPECT_THAT(recorder.Failures(),
+                UnorderedElementsAre(EndsWith("big.txt" + reason), EndsWith("/20" + reason)));
+}
+
 TEST_F(Frames, DeepDocumentsAreShownWithoutFrames) {
     std::string deep;
     for (int index = 0; index < 300'000; ++index)
@@ -160,8 +187,16 @@ TEST(GumboTree, IsGivenUpWhenItCostsTooMuch) {
     const auto visit = [&](const GumboNode&) { ++visits; };
     EXPECT_FALSE(platform::VisitGumboTree(sly, visit, {std::chrono::milliseconds(50), 1 << 30}));
     EXPECT_FALSE(platform::VisitGumboTree(sly, visit, {std::chrono::seconds(60), 1 << 20}));
+    std::string hollow;
+    while (hollow.size() < 5'000'000)
+        hollow += "<p a>";
+    EXPECT_FALSE(platform::VisitGumboTree(hollow, visit, {std::chrono::seconds(60)}));
     EXPECT_EQ(0, visits);
-    EXPECT_TRUE(platform::VisitGumboTree("<p>text", visit, {}));
+    std::string ordinary = "<table>";
+    while (ordinary.size() < 16'700'000)
+        ordinary += "<tr class='odd'><td>24.11.2026</td><td><a href='/statement?id=1&amp;page=2'>"
+                    "Rechnung 4711, Muster AG</a></td><td><b>-1'234.55</b></td></tr>\n";
+    EXPECT_TRUE(platform::VisitGumboTree(ordinary, visit, {std::chrono::seconds(60)}));
     EXPECT_EQ(1, visits);
 }
 
