@@ -37,7 +37,7 @@ TEST_F(Doctor, ReportsAWorkingInstallation) {
 TEST_F(Doctor, NamesEachProblemAndWhatToDo) {
     home.WriteFile("blocked", "a file where a directory is needed");
     const ScopedVariable root("ZRHTTP_HOME", home.Path("blocked").c_str());
-    const ScopedVariable certificates("ZRHTTP_CA_FILE", home.Path("none.pem").c_str());
+    const ScopedVariable certificates("ZRHTTP_CA_FILE", home.Path("blocked").c_str());
     const ScopedVariable engine("ZRHTTP_CONTROL", "netscape\033[2J");
     const ScopedVariable headless("ZRHTTP_HEADLESS", nullptr);
     const ScopedVariable noSuchPort("DISPLAY", "127.0.0.1:9999999");
@@ -47,7 +47,7 @@ TEST_F(Doctor, NamesEachProblemAndWhatToDo) {
                 AllOf(HasSubstr("Problems"), HasSubstr("The settings directory cannot be used"),
                       HasSubstr("set ZRHTTP_HOME to a directory of yours"),
                       HasSubstr("The registry cannot be opened"),
-                      HasSubstr("Correct or unset ZRHTTP_CA_FILE"),
+                      HasSubstr("blocked: it holds no certificate in PEM"),
                       HasSubstr("ZRHTTP_CONTROL is 'netscape^[[2J'"),
                       HasSubstr("The display does not answer")));
 }
