@@ -31,7 +31,7 @@ public:
     DevToolsConnection& Connection() { return m_process->Connection(); }
     bool IsAlive() const { return m_process->Connection().IsOpen(); }
     bool HasDisplay() const { return m_watch != nullptr; }
-    const std::string& CertificateProblem() const { return m_process->CertificateProblem(); }
+    const CertificateProblem& Certificates() const { return m_process->Certificates(); }
 
     // Opens an empty page in a new window; it is attached as soon as the browser has made it.
     void OpenPage(const std::shared_ptr<ChromiumPage>& page);

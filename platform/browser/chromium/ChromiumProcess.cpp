@@ -12,7 +12,6 @@
 #include <platform/Settings.h>
 #include <unistd.h>
 
-#include "browser/chromium/CertificateStore.h"
 #include "browser/chromium/ProfileDirectory.h"
 #include "browser/chromium/SpawnProgram.h"
 #include "browser/chromium/SupervisorScript.h"
@@ -112,19 +111,19 @@ void WarnAboutSandbox() {
     static_cast<void>(isWarned);
 }
 
-// Returns why the user's certificates cannot be read, or nothing.
-std::string TrustFurtherCertificates(const std::string& profile) {
+CertificateProblem TrustFurtherCertificates(const std::string& profile) {
     const FurtherCertificates further = ReadFurtherCertificates();
     std::string error;
-    if (!further.certificates.empty() &&
-        !FillCertificateStore(profile, further.certificates, error))
-        ReportDiagnostic(Severity::failure, CString(error));
-    return further.problem;
+    if (further.certificates.empty() || FillCertificateStore(profile, further.certificates, error))
+        return {further.problem, !further.problem.empty()};
+    ReportDiagnostic(Severity::failure, CString(error));
+    return {error, false};
 }
 
 class RunningChromium final : public ChromiumProcess {
 public:
-    RunningChromium(std::string profile, OwnedDescriptor life, std::string certificateProblem)
+    RunningChromium(std::string profile, OwnedDescriptor life,
+                    CertificateProblem certificateProblem)
         : m_profile(std::move(profile)), m_life(std::move(life)),
           m_certificateProblem(std::move(certificateProblem)) {}
     ~RunningChromium() override { Quit(); }
@@ -137,7 +136,7 @@ public:
     DevToolsConnection& Connection() override { return *m_connection; }
     std::string WindowInstance() const override { return "(" + m_profile + ")"; }
     const std::string& ProfileDirectory() const override { return m_profile; }
-    const std::string& CertificateProblem() const override { return m_certificateProblem; }
+    const CertificateProblem& Certificates() const override { return m_certificateProblem; }
     void Quit() override {
         m_connection->Send({}, "Browser.close", nlohmann::json::object());
         m_connection->Close();
@@ -147,7 +146,7 @@ public:
 private:
     const std::string m_profile;
     OwnedDescriptor m_life; // what the supervisor watches
-    const std::string m_certificateProblem;
+    const CertificateProblem m_certificateProblem;
     std::shared_ptr<DevToolsConnection> m_connection;
 };
 
@@ -196,7 +195,7 @@ std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std
         return nullptr;
     }
     if (geteuid() == 0) WarnAboutSandbox();
-    std::string certificateProblem = TrustFurtherCertificates(profile);
+    CertificateProblem certificateProblem = TrustFurtherCertificates(profile);
     if (!StartSupervised(*browser, profile, display, *commands, *answers, *errors, *life)) {
         error = std::string("Chromium cannot be started: ") + std::strerror(errno);
         // Removing a directory takes a descriptor, and there may be none to spare.

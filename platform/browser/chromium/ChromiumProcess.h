@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "browser/chromium/CertificateStore.h"
 #include "browser/chromium/DevToolsConnection.h"
 
 namespace platform {
@@ -28,8 +29,8 @@ public:
     // How the instance part of its windows' WM_CLASS ends; no other process uses the same.
     virtual std::string WindowInstance() const = 0;
     virtual const std::string& ProfileDirectory() const = 0;
-    // Why the user's own certificates could not be read when it started; empty when they could.
-    virtual const std::string& CertificateProblem() const = 0;
+    // What was wrong with the user's own certificates when it started.
+    virtual const CertificateProblem& Certificates() const = 0;
     // Asks it to quit and returns; what does not end by itself is ended. Once.
     virtual void Quit() = 0;
 };

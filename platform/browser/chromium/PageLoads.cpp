@@ -88,7 +88,7 @@ void PageLoads::Announce(const DocumentLoadPtr& load) {
 // page, without a request; an empty page in between makes it a new one.
 void PageLoads::Start(const DocumentLoadPtr& load) {
     std::string reason = MapFile(load->request.target.url);
-    if (reason.empty()) reason = CertificateProblem(load->url);
+    if (reason.empty()) reason = ReasonAgainst(load->url);
     if (!reason.empty())
         return Browser().Link()->Post([self = shared_from_this(), load, reason](BrowserObject&) {
             if (!self->IsOver(load)) self->Fail(load, reason, Aftermath::errorPage);
@@ -152,13 +152,14 @@ void PageLoads::OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply
     Fail(load, ReasonOf(failure, load->url), Aftermath::errorPage);
 }
 
-std::string PageLoads::CertificateProblem(const std::string& url) const {
-    return SchemeOf(url) == "https" ? m_page.Application().CertificateProblem() : std::string();
+std::string PageLoads::ReasonAgainst(const std::string& url) const {
+    const CertificateProblem& problem = m_page.Application().Certificates();
+    return problem.isOfFile && SchemeOf(url) == "https" ? problem.text : std::string();
 }
 
 // Pages go on to https by themselves, too.
 std::string PageLoads::ReasonOf(const std::string& error, const std::string& url) const {
-    const std::string& problem = m_page.Application().CertificateProblem();
+    const std::string& problem = m_page.Application().Certificates().text;
     const bool isUntrusted = error == "net::ERR_CERT_AUTHORITY_INVALID";
     return isUntrusted && !problem.empty() ? problem : NetErrorText(error, url);
 }

@@ -63,7 +63,7 @@ private:
     void StartOver(const DocumentLoadPtr& load);
     void OnTopShown();
     void OnNavigateReply(const DocumentLoadPtr& load, const DevToolsReply& reply);
-    std::string CertificateProblem(const std::string& url) const;
+    std::string ReasonAgainst(const std::string& url) const;
     std::string ReasonOf(const std::string& error, const std::string& url) const;
     void AbandonAll();
 
