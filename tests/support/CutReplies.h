@@ -44,8 +44,8 @@ private:
     Certificate m_authority = Certificate::Authority();
     ScopedVariable m_trust{"ZRHTTP_CA_FILE", m_home.Path("trusted.pem").c_str()};
     RawServer m_plain;
-    RawServer m_tls12{m_authority.Issue("127.0.0.1"), true};
-    RawServer m_tls13{m_authority.Issue("127.0.0.1")};
+    RawServer m_tls12{m_authority.Issue({"IP:127.0.0.1"}), true};
+    RawServer m_tls13{m_authority.Issue({"IP:127.0.0.1"})};
 };
 
 } // namespace test_support
