@@ -14,7 +14,7 @@ constexpr DWORD kNoTimeout = 0;
 
 bool IsBrowser(const Process& process) {
     return process.HasInCommandLine("--user-data-dir=/") &&
-           process.HasInCommandLine("/zrhttp-chromium-") && !process.HasInCommandLine("--type=") &&
+           process.HasInCommandLine("/zrhttp-profile-") && !process.HasInCommandLine("--type=") &&
            !process.commandLine.starts_with("/bin/sh");
 }
 

@@ -31,7 +31,7 @@ std::set<std::string> AllProfileDirectories() {
           std::filesystem::temp_directory_path()}) {
         std::error_code error;
         for (const auto& entry : std::filesystem::directory_iterator(place, error))
-            if (entry.path().filename().string().starts_with("zrhttp-chromium-"))
+            if (entry.path().filename().string().starts_with("zrhttp-profile-"))
                 found.insert(entry.path());
     }
     return found;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -14,6 +15,7 @@
 
 #include "browser/chromium/ProfileDirectory.h"
 #include "browser/chromium/SpawnProgram.h"
+#include "browser/chromium/Supervision.h"
 #include "browser/chromium/SupervisorScript.h"
 #include "internet/FurtherCertificates.h"
 
@@ -34,6 +36,23 @@ std::optional<PipeEnds> MakePipe() {
     if (pipe2(ends, O_CLOEXEC) != 0) return std::nullopt;
     return PipeEnds{OwnedDescriptor(ends[0]), OwnedDescriptor(ends[1])};
 }
+
+// What connects us with a browser and its supervisor.
+struct Pipes {
+    std::optional<PipeEnds> commands = MakePipe();
+    std::optional<PipeEnds> answers = MakePipe();
+    std::optional<PipeEnds> errors = MakePipe();
+    // Nothing is written to these: what matters is who holds their ends, and until when.
+    std::optional<PipeEnds> hold = MakePipe();
+    std::optional<PipeEnds> life = MakePipe();
+    std::optional<PipeEnds> report = MakePipe(); // from the supervisor, at the start
+
+    bool AreOpen() const { return commands && answers && errors && hold && life && report; }
+    void Close() {
+        for (auto* pipe : {&commands, &answers, &errors, &hold, &life, &report})
+            pipe->reset();
+    }
+};
 
 bool IsExecutable(const std::string& path) {
     std::error_code error;
@@ -122,49 +141,72 @@ CertificateProblem TrustFurtherCertificates(const std::string& profile) {
 
 class RunningChromium final : public ChromiumProcess {
 public:
-    RunningChromium(std::string profile, OwnedDescriptor life,
+    RunningChromium(std::shared_ptr<Supervision> supervision,
                     CertificateProblem certificateProblem)
-        : m_profile(std::move(profile)), m_life(std::move(life)),
+        : m_supervision(std::move(supervision)),
           m_certificateProblem(std::move(certificateProblem)) {}
     ~RunningChromium() override { Quit(); }
 
-    void Converse(PipeEnds& commands, PipeEnds& answers, PipeEnds& errors) {
-        m_connection = DevToolsConnection::Start(std::move(commands.write), std::move(answers.read),
-                                                 std::move(errors.read));
+    void Converse(Pipes& pipes) {
+        m_connection = DevToolsConnection::Start(
+            std::move(pipes.commands->write), std::move(pipes.answers->read),
+            std::move(pipes.errors->read),
+            [supervision = m_supervision] { supervision->SeeToTheEnd(); });
     }
 
     DevToolsConnection& Connection() override { return *m_connection; }
-    std::string WindowInstance() const override { return "(" + m_profile + ")"; }
-    const std::string& ProfileDirectory() const override { return m_profile; }
+    std::string WindowInstance() const override { return "(" + ProfileDirectory() + ")"; }
+    const std::string& ProfileDirectory() const override {
+        return m_supervision->ProfileDirectory();
+    }
     const CertificateProblem& Certificates() const override { return m_certificateProblem; }
     void Quit() override {
         m_connection->Send({}, "Browser.close", nlohmann::json::object());
         m_connection->Close();
-        m_life.Close();
+        m_supervision->EndIfAlone();
     }
 
 private:
-    const std::string m_profile;
-    OwnedDescriptor m_life; // what the supervisor watches
+    const std::shared_ptr<Supervision> m_supervision;
     const CertificateProblem m_certificateProblem;
     std::shared_ptr<DevToolsConnection> m_connection;
 };
 
+// The system sends the signal to the process group, running or stopped, when the last one who
+// could write to the pipe has gone, however that comes.
+void SignalAtEnd(const PipeEnds& pipe, pid_t group, int signal) {
+    fcntl(pipe.read.Get(), F_SETOWN, -group);
+    fcntl(pipe.read.Get(), F_SETSIG, signal);
+    fcntl(pipe.read.Get(), F_SETFL, O_ASYNC);
+}
+
+// Waits for the line. Empty when there is no browser.
+std::optional<pid_t> ReadGroup(PipeEnds& report) {
+    report.write.Close();
+    std::string line;
+    for (char letter = 0; letter != '\n' && read(report.read.Get(), &letter, 1) == 1;)
+        line += letter;
+    const pid_t group = std::atoi(line.c_str());
+    return group > 1 ? std::optional(group) : std::nullopt;
+}
+
 // The supervisor goes into the background at once, so there is no child to look after.
 bool StartSupervised(const std::string& browser, const std::string& profile,
-                     const std::optional<std::string>& display, PipeEnds& commands,
-                     PipeEnds& answers, PipeEnds& errors, PipeEnds& life) {
+                     const std::optional<std::string>& display, Pipes& pipes) {
     ProgramStart start;
     start.command = {"/bin/sh", "-c", kSupervisorScript, "zrhttp-browser", profile};
     for (std::string& part : CommandLine(browser, profile, !display))
         start.command.push_back(std::move(part));
-    start.descriptors = {{errors.write.Get(), 2},
-                         {commands.read.Get(), 3},
-                         {answers.write.Get(), 4},
-                         {life.read.Get(), 5}};
+    start.descriptors = {{pipes.report->write.Get(), 1},  {pipes.errors->write.Get(), 2},
+                         {pipes.commands->read.Get(), 3}, {pipes.answers->write.Get(), 4},
+                         {pipes.hold->read.Get(), 5},     {pipes.life->write.Get(), 6},
+                         {pipes.life->read.Get(), 7}};
     start.environment = Environment(profile, display);
     const auto shell = StartProgram(start);
-    return shell && WaitForProgram(*shell);
+    if (!shell) return false;
+    SignalAtEnd(*pipes.life, *shell, SIGCONT);
+    if (const auto group = ReadGroup(*pipes.report)) SignalAtEnd(*pipes.hold, *group, SIGKILL);
+    return WaitForProgram(*shell);
 }
 
 } // namespace
@@ -184,30 +226,28 @@ std::shared_ptr<ChromiumProcess> ChromiumProcess::Launch(const std::optional<std
         error = browser ? *browser + " is not an executable file" : kNotFound;
         return nullptr;
     }
-    auto commands = MakePipe();
-    auto answers = MakePipe();
-    auto errors = MakePipe();
-    auto life = MakePipe();
-    const bool hasPipes = commands && answers && errors && life;
-    const std::string profile = hasPipes ? MakeProfileDirectory() : std::string();
-    if (profile.empty()) {
+    Pipes pipes;
+    auto profile = pipes.AreOpen() ? MakeProfileDirectory() : std::nullopt;
+    if (!profile) {
         error = std::string("no directory or no pipe for Chromium: ") + std::strerror(errno);
         return nullptr;
     }
     if (geteuid() == 0) WarnAboutSandbox();
-    CertificateProblem certificateProblem = TrustFurtherCertificates(profile);
-    if (!StartSupervised(*browser, profile, display, *commands, *answers, *errors, *life)) {
+    CertificateProblem certificateProblem = TrustFurtherCertificates(profile->path);
+    const bool isStarted = StartSupervised(*browser, profile->path, display, pipes);
+    const auto supervision = std::make_shared<Supervision>(
+        *std::move(profile), std::move(pipes.life->write), std::move(pipes.hold->write));
+    if (!isStarted) {
         error = std::string("Chromium cannot be started: ") + std::strerror(errno);
-        // Removing a directory takes a descriptor, and there may be none to spare.
-        for (auto* pipe : {&commands, &answers, &errors, &life})
-            pipe->reset();
-        std::error_code ignored;
-        std::filesystem::remove_all(profile, ignored);
+        pipes.Close(); // removing a directory takes descriptors
+        supervision->EndIfAlone();
         return nullptr;
     }
-    const auto process = std::make_shared<RunningChromium>(profile, std::move(life->write),
-                                                           std::move(certificateProblem));
-    process->Converse(*commands, *answers, *errors);
+    const auto process =
+        std::make_shared<RunningChromium>(supervision, std::move(certificateProblem));
+    process->Converse(pipes);
+    pipes.Close();
+    RemoveAbandonedProfiles(); // while the browser starts
     return process;
 }
 

@@ -125,7 +125,8 @@ void PipeConnection::Close() {
 
 std::shared_ptr<DevToolsConnection> DevToolsConnection::Start(OwnedDescriptor toBrowser,
                                                               OwnedDescriptor fromBrowser,
-                                                              OwnedDescriptor errorOutput) {
+                                                              OwnedDescriptor errorOutput,
+                                                              std::function<void()> cleanUp) {
     const auto pipe = std::make_shared<DevToolsPipe>(std::move(toBrowser), std::move(fromBrowser),
                                                      std::move(errorOutput));
     const auto posts = std::make_shared<PostGuard>(
@@ -134,12 +135,13 @@ std::shared_ptr<DevToolsConnection> DevToolsConnection::Start(OwnedDescriptor to
         },
         GetSetting("ZRHTTP_REPEATED_POST").value == "1");
     const auto connection = std::make_shared<PipeConnection>(pipe, posts);
-    pipe->Start(posts, [apartment = Apartment::OfThisThread(),
-                        weak = std::weak_ptr<DevToolsConnection>(connection)] {
+    const auto announce = [apartment = Apartment::OfThisThread(),
+                           weak = std::weak_ptr<DevToolsConnection>(connection)] {
         apartment->Post([weak] {
             if (const auto self = weak.lock()) self->Dispatch();
         });
-    });
+    };
+    pipe->Start(posts, announce, std::move(cleanUp));
     return connection;
 }
 

@@ -39,9 +39,12 @@ public:
     static constexpr std::chrono::milliseconds kNoTimeout{0};
 
     // Takes over the pipe's ends. `errorOutput` is what the browser's standard error comes out of;
-    // its last lines are kept.
-    static std::shared_ptr<DevToolsConnection>
-    Start(OwnedDescriptor toBrowser, OwnedDescriptor fromBrowser, OwnedDescriptor errorOutput);
+    // its last lines are kept. `cleanUp` is the last thing that the pipe's thread does, whichever
+    // side has ended the conversation.
+    static std::shared_ptr<DevToolsConnection> Start(OwnedDescriptor toBrowser,
+                                                     OwnedDescriptor fromBrowser,
+                                                     OwnedDescriptor errorOutput,
+                                                     std::function<void()> cleanUp = {});
     virtual ~DevToolsConnection() = default;
 
     // Owner's thread, from here on.

@@ -59,10 +59,15 @@ DevToolsPipe::DevToolsPipe(OwnedDescriptor toBrowser, OwnedDescriptor fromBrowse
     MakeNonBlocking(m_errorOutput);
 }
 
-void DevToolsPipe::Start(std::shared_ptr<PipeFilter> filter, std::function<void()> announce) {
+void DevToolsPipe::Start(std::shared_ptr<PipeFilter> filter, std::function<void()> announce,
+                         std::function<void()> cleanUp) {
     m_filter = std::move(filter);
     m_announce = std::move(announce);
-    std::thread([self = shared_from_this()] { self->Run(); }).detach();
+    std::thread([self = shared_from_this(), cleanUp = std::move(cleanUp)]() mutable {
+        self->Run();
+        self.reset();
+        if (cleanUp) cleanUp();
+    }).detach();
 }
 
 void DevToolsPipe::Write(std::string message, int call, std::optional<Time> deadline) {

@@ -39,8 +39,10 @@ public:
                  OwnedDescriptor errorOutput);
 
     // `announce` runs on the thread: something waits for Take, and nothing did before. The filter
-    // (may be null) sees each message first; it may write.
-    void Start(std::shared_ptr<PipeFilter> filter, std::function<void()> announce);
+    // (may be null) sees each message first; it may write. `cleanUp` (may be empty) is the last
+    // thing that the thread does.
+    void Start(std::shared_ptr<PipeFilter> filter, std::function<void()> announce,
+               std::function<void()> cleanUp);
     // Any thread, from here on. With a deadline the call's answer comes by then, one way or the
     // other.
     void Write(std::string message, int call, std::optional<Time> deadline);
