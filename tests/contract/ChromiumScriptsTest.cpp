@@ -53,6 +53,8 @@ protected:
     const platform::ScopedService<platform::Prompt> m_installed{m_prompt};
 };
 
+using Written = ChromiumPages;
+
 class LostBrowser : public ChromiumPages {
 protected:
     using Clock = std::chrono::steady_clock;
@@ -199,6 +201,40 @@ TEST_F(Dialogs, AreAnsweredAndThePageIsRead) {
     }
     EXPECT_EQ(FetchPath("/after"), "after");
     EXPECT_THAT(m_prompt.texts, ElementsAre("onload", "inline", "sure?", "name?"));
+}
+
+TEST_F(Written, FramesThatNobodyClosesHoldUpNoPage) {
+    const std::string frame = "<iframe id=f></iframe>";
+    const auto writing = [&](const std::string& text) {
+        return frame + "<script>f.contentDocument.write('" + text + "')</script>";
+    };
+    Server().Set("/inner", Html(writing("open")));
+    for (const std::string& page :
+         {std::string("<iframe src=\"javascript:document.write('x')\"></iframe>"), writing("open"),
+          "<iframe src=/inner></iframe>" + writing("<iframe src=/inner></iframe>"),
+          frame + "<script>setTimeout(() => document.write('open'))</script>"}) {
+        Server().Set("/page", Html(page));
+        EXPECT_EQ(FetchPath("/page"), page);
+    }
+    // What has a request is waited for, in the page and in what was written.
+    for (const std::string& page : {"<img src=/waiting>" + writing("open"),
+                                    "<iframe src=/waiting></iframe>" + writing("open"),
+                                    writing("<iframe src=/waiting></iframe>"),
+                                    writing("<link rel=stylesheet href=/waiting>")}) {
+        Answer waiting = Html("");
+        waiting.gate = std::make_shared<Gate>();
+        Server().Set("/waiting", waiting);
+        Server().Set("/page", Html(page));
+        const std::size_t before = Server().Requests("/waiting").size();
+        EXPECT_EQ(Open(Server().Url("/page")), ZRHB_OK);
+        PumpUntil([&] { return Server().Requests("/waiting").size() > before; }, "the request");
+        PumpFor(std::chrono::milliseconds(200));
+        DWORD nLength = 0;
+        EXPECT_EQ(Getter().TestRead(m_text, m_error, nLength, m_url, 0, FALSE), ZRHB_STILL_LOADING)
+            << page;
+        waiting.gate->Open();
+        EXPECT_EQ(Read(), ZRHB_OK) << page << m_error.GetString();
+    }
 }
 
 TEST_F(LostBrowser, WhileNothingIsOpen) {

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+#include "browser/common/BrowserLimits.h"
+
 namespace platform {
 
 // Pages that send the reader on without a pause. Log-in chains need a handful; a page that
@@ -16,9 +18,6 @@ constexpr int kMaxRefreshSeconds = 24 * 60 * 60;
 constexpr std::size_t kMaxFrames = 128;
 // A frame within a frame within ...: frames of dynamic pages can nest without end.
 constexpr int kMaxFrameDepth = 8;
-// The page with its frames as kept in memory, after decompression: a few KB can unpack to
-// gigabytes. The document that would pass it fails.
-constexpr std::size_t kMaxPageBytes = std::size_t{256} * 1024 * 1024;
 // Connections to one host at a time, as browsers have it: frames load side by side without
 // flooding a server.
 constexpr long kMaxConnectionsPerHost = 6;
@@ -33,10 +32,11 @@ constexpr std::size_t kMaxElementDepth = 1024;
 constexpr std::size_t kMaxTreeBytes = std::size_t{256} * 1024 * 1024;
 constexpr std::chrono::seconds kMaxTreeTime{5}; // of processor time
 
-// Why a document fails of which that many bytes have come.
+// Why a document fails of which that many bytes have come: here the page and its frames share the
+// bytes of one page.
 inline std::string TooLargeText(std::size_t bytes) {
-    return std::string(bytes > kMaxPageBytes ? "the page" : "the page with its frames") +
-           " is larger than " + std::to_string(kMaxPageBytes) + " bytes";
+    if (bytes > kMaxPageBytes) return PageTooLargeText();
+    return "the page with its frames is larger than " + std::to_string(kMaxPageBytes) + " bytes";
 }
 
 } // namespace platform

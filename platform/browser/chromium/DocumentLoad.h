@@ -32,6 +32,7 @@ struct DocumentLoad {
 
     bool isByClient = false; // else by the page itself
     bool hasHead = false;
+    bool hasLoadEvent = false; // of the top level
     bool isLoaded = false;     // the page's own loading has ended
     bool isSuperseded = false; // its frame goes on to another document
     bool isDone = false;       // DocumentComplete raised, or given up

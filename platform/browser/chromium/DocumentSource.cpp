@@ -15,6 +15,16 @@ constexpr const char* kReplacementCharacter = "\xEF\xBF\xBD";
 
 } // namespace
 
+std::size_t DocumentSource::ReceivedBytes() const {
+    return std::max(m_announced, m_body->Size());
+}
+
+void DocumentSource::Discard() {
+    m_state = State::lost;
+    m_body->Replace({});
+    m_early.clear();
+}
+
 void DocumentSource::Begin(ChromiumPage& page, const std::string& session,
                            std::function<void()> onChange) {
     if (m_state != State::idle) return;

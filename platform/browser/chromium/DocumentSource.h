@@ -23,6 +23,8 @@ public:
     // Neither more nor anything else will come.
     bool IsSettled() const { return m_state == State::whole || m_state == State::lost; }
     bool IsLost() const { return m_state == State::lost; }
+    // As far as it has come; more than `Body()` holds where the browser has not handed it out.
+    std::size_t ReceivedBytes() const;
     // There is something to read, or there will be nothing.
     bool IsReadable() const { return m_body->Size() > 0 || m_state == State::whole; }
 
@@ -31,6 +33,8 @@ public:
     void Begin(ChromiumPage& page, const std::string& session, std::function<void()> onChange);
     // A document without bytes.
     void BeEmpty() { m_state = State::whole; }
+    // What has come goes, and nothing more is taken.
+    void Discard();
     // What has come stays, and nothing is added.
     void Freeze() {
         if (!IsSettled()) m_state = State::lost;

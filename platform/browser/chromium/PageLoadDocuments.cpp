@@ -8,6 +8,7 @@
 #include "browser/chromium/NetErrors.h"
 #include "browser/chromium/PageLoads.h"
 #include "browser/common/BrowserEvents.h"
+#include "browser/common/BrowserLimits.h"
 #include "browser/common/PageDocument.h"
 
 namespace platform {
@@ -85,15 +86,23 @@ void PageLoads::OnSourceChanged(const DocumentLoadPtr& load) {
     if (IsOver(load)) return;
     if (load->source->IsLost() && !load->isSuperseded)
         return Fail(load, kSourceLost, Aftermath::errorPage);
+    CheckSize(load);
+    if (IsOver(load)) return;
     BrowserObject& face = Face(*load);
     const bool isReadable = load->source->IsReadable() && IsShown(load) && !load->isSuperseded;
     if (isReadable && face.ReadyState() == READYSTATE_LOADED)
         face.SetReadyState(READYSTATE_INTERACTIVE);
     CompleteIfReady(load);
+    CheckOpened();
 }
 
 void PageLoads::Commit(const DocumentLoadPtr& load) {
     Frame& frame = m_frames[load->frame];
+    if (IsTop(load->frame)) {
+        m_traffic.Reset();
+        m_hasOpened = false;
+    }
+    frame.isOpened = false;
     if (frame.next == load) frame.next.reset();
     const DocumentLoadPtr left = std::exchange(frame.current, load);
     if (left && left != load) {
@@ -110,6 +119,12 @@ void PageLoads::Commit(const DocumentLoadPtr& load) {
         TakeHead(load, {});
         if (IsOver(load)) return;
     }
+    CompleteIfReady(load);
+}
+
+void PageLoads::LoadEnded(const DocumentLoadPtr& load) {
+    load->isLoaded = true;
+    load->source->OnFinished();
     CompleteIfReady(load);
 }
 
@@ -218,11 +233,30 @@ void PageLoads::StayOnPage(const DocumentLoadPtr& failed) {
     face.SetLocation(frame.current->url);
 }
 
+void PageLoads::CheckSize(const DocumentLoadPtr& load) {
+    if (load->source->ReceivedBytes() > kMaxPageBytes) GiveUp(load, PageTooLargeText());
+}
+
+// A frame that is too large fails alone, but the browser can only be told to stop the whole page.
+void PageLoads::GiveUp(const DocumentLoadPtr& load, const std::string& reason) {
+    if (IsOver(load)) return;
+    m_page.Send("Page.stopLoading");
+    load->source->Discard();
+    Fail(load, reason, Aftermath::errorPage);
+}
+
 void PageLoads::End(const DocumentLoadPtr& load) {
-    const Frame& frame = m_frames[load->frame];
-    const auto parent = m_frames.find(frame.parent);
-    if (parent == m_frames.end() || IsTop(load->frame)) return;
-    if (const DocumentLoadPtr outer = parent->second.current) CompleteIfReady(outer);
+    if (IsTop(load->frame)) return;
+    if (const DocumentLoadPtr outer = Enclosing(m_frames[load->frame].parent))
+        CompleteIfReady(outer);
+}
+
+// The document around: frames that scripts write have none that is waited for.
+DocumentLoadPtr PageLoads::Enclosing(const std::string& frame) const {
+    const auto found = m_frames.find(frame);
+    if (found == m_frames.end()) return nullptr;
+    if (found->second.current || IsTop(frame)) return found->second.current;
+    return Enclosing(found->second.parent);
 }
 
 void PageLoads::DropFrames() {
@@ -248,9 +282,8 @@ void PageLoads::DropFrame(const std::string& id) {
         if (load) m_loads.erase(load->loader);
     const std::string parent = still->second.parent;
     m_frames.erase(still);
-    const auto outer = m_frames.find(parent);
-    if (outer == m_frames.end()) return;
-    if (const DocumentLoadPtr load = outer->second.current) CompleteIfReady(load);
+    m_traffic.DropFrame(id);
+    if (const DocumentLoadPtr outer = Enclosing(parent)) CompleteIfReady(outer);
 }
 
 } // namespace platform

@@ -7,6 +7,7 @@
 #include "browser/chromium/ChromiumPage.h"
 #include "browser/chromium/NetErrors.h"
 #include "browser/chromium/PageLoads.h"
+#include "browser/common/BrowserLimits.h"
 #include "browser/common/PageType.h"
 
 namespace platform {
@@ -70,13 +71,17 @@ void PageLoads::OnEvent(DevToolsEvent& event) {
         {"Page.frameRequestedNavigation", &PageLoads::OnNavigationRequested},
         {"Page.frameScheduledNavigation", &PageLoads::OnNavigationScheduled},
         {"Page.frameClearedScheduledNavigation", &PageLoads::OnNavigationCleared},
+        {"Page.loadEventFired", &PageLoads::OnLoadEvent},
+        {"Page.documentOpened", &PageLoads::OnDocumentOpened},
         {"Fetch.requestPaused", &PageLoads::OnPaused},
         {"Fetch.authRequired", &PageLoads::OnAuthRequired},
     };
     const auto found = handlers.find(event.method);
     if (m_isDetached || found == handlers.end()) return;
     const auto keep = shared_from_this();
+    if (event.method.starts_with("Page.")) m_probe.reset();
     (this->*found->second)(event);
+    CheckOpened();
 }
 
 void PageLoads::OnStartedNavigating(const DevToolsEvent& event) {
@@ -88,6 +93,7 @@ void PageLoads::OnStartedNavigating(const DevToolsEvent& event) {
 
 // Pop-ups are attached to when their navigation has begun already.
 void PageLoads::OnRequest(const DevToolsEvent& event) {
+    m_traffic.OnRequest(event.params);
     const std::string loader = TextOf(event.params, "loaderId");
     if (!IsDocument(event) || loader != TextOf(event.params, "requestId")) return;
     Begin(TextOf(event.params, "frameId"), loader,
@@ -111,14 +117,22 @@ void PageLoads::OnResponse(const DevToolsEvent& event) {
 }
 
 void PageLoads::OnData(const DevToolsEvent& event) {
-    if (const DocumentLoadPtr load = Find(event)) load->source->OnData(event.params);
+    m_traffic.OnData(event.params);
+    const DocumentLoadPtr load = Find(event);
+    if (load) load->source->OnData(event.params);
+    if (load) CheckSize(load);
+    if (m_isDetached) return;
+    const DocumentLoadPtr page = Top().current;
+    if (page && m_traffic.Bytes() > kMaxLoadedBytes) GiveUp(page, LoadedTooMuchText());
 }
 
 void PageLoads::OnFinished(const DevToolsEvent& event) {
+    m_traffic.OnEnd(event.params);
     if (const DocumentLoadPtr load = Find(event)) load->source->OnFinished();
 }
 
 void PageLoads::OnFailed(const DevToolsEvent& event) {
+    m_traffic.OnEnd(event.params);
     const DocumentLoadPtr load = Find(event);
     if (!load || IsOver(load)) return;
     const std::string error = TextOf(event.params, "errorText");
@@ -140,6 +154,8 @@ void PageLoads::OnNavigated(const DevToolsEvent& event) {
     const Json& shown = ObjectOf(event.params, "frame");
     const std::string id = TextOf(shown, "id");
     m_frames[id].parent = TextOf(shown, "parentId");
+    m_frames[id].session = event.session;
+    m_frames[id].isOpened = false;
     const auto found = m_loads.find(TextOf(shown, "loaderId"));
     if (IsTop(id)) {
         m_shownUrl = TextOf(shown, "url") + TextOf(shown, "urlFragment");
@@ -160,9 +176,16 @@ void PageLoads::OnStoppedLoading(const DevToolsEvent& event) {
     if (found == m_frames.end()) return;
     const DocumentLoadPtr load = found->second.current;
     if (!load || IsOver(load) || found->second.next) return;
-    load->isLoaded = true;
-    load->source->OnFinished();
-    CompleteIfReady(load);
+    if (!IsTop(load->frame) || load->hasLoadEvent) return LoadEnded(load);
+    // Stopped, or the end of its renderer, which is told behind and answers nothing.
+    m_page.Send("Runtime.evaluate", {{"expression", "0"}}, [this, load](DevToolsReply& reply) {
+        if (reply.IsOk() && !IsOver(load)) LoadEnded(load);
+    });
+}
+
+void PageLoads::OnLoadEvent(const DevToolsEvent& event) {
+    const DocumentLoadPtr load = Top().current;
+    if (load && event.session == m_page.Session()) load->hasLoadEvent = true;
 }
 
 void PageLoads::OnFrameAttached(const DevToolsEvent& event) {

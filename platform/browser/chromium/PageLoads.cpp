@@ -174,6 +174,7 @@ void PageLoads::AbandonAll() {
         frame.current.reset();
         frame.next.reset();
         frame.isLeaving = false;
+        frame.isOpened = false;
     }
 }
 
@@ -201,6 +202,7 @@ void PageLoads::OnCrash() {
 }
 
 void PageLoads::Detach() {
+    m_probe.reset();
     AbandonAll();
     m_isDetached = true;
 }

@@ -7,6 +7,8 @@
 
 #include "browser/chromium/DevToolsConnection.h"
 #include "browser/chromium/DocumentLoad.h"
+#include "browser/chromium/FrameProbe.h"
+#include "browser/chromium/PageTraffic.h"
 #include "browser/chromium/RequestOverride.h"
 #include "browser/common/FrameBrowser.h"
 
@@ -42,6 +44,8 @@ private:
         DocumentLoadPtr current;    // shown
         DocumentLoadPtr next;       // requested, not shown yet
         bool isLeaving = false;     // its page has asked for another document
+        bool isOpened = false;      // a script writes into its document, and may never close it
+        std::string session;        // of its renderer; empty: the page's main one
     };
     using Handler = void (PageLoads::*)(const DevToolsEvent&);
 
@@ -81,6 +85,8 @@ private:
     void OnNavigationRequested(const DevToolsEvent& event);
     void OnNavigationScheduled(const DevToolsEvent& event);
     void OnNavigationCleared(const DevToolsEvent& event);
+    void OnLoadEvent(const DevToolsEvent& event);
+    void OnDocumentOpened(const DevToolsEvent& event);
     void OnPaused(const DevToolsEvent& event) { m_override.OnPaused(event.params); }
     void OnAuthRequired(const DevToolsEvent& event) { m_override.OnAuthRequired(event.params); }
 
@@ -92,6 +98,7 @@ private:
     void OnSourceChanged(const DocumentLoadPtr& load);
     void Commit(const DocumentLoadPtr& load);
     void Supersede(const DocumentLoadPtr& load);
+    void LoadEnded(const DocumentLoadPtr& load);
     void CompleteIfReady(const DocumentLoadPtr& load);
     void Complete(const DocumentLoadPtr& load);
     bool AreFramesDone(const std::string& parent) const;
@@ -100,9 +107,20 @@ private:
     void ShowFailure(const DocumentLoadPtr& load, const std::string& reason);
     void Cancel(const DocumentLoadPtr& load);
     void StayOnPage(const DocumentLoadPtr& failed);
+    void CheckSize(const DocumentLoadPtr& load);
+    void GiveUp(const DocumentLoadPtr& load, const std::string& reason);
     void End(const DocumentLoadPtr& load);
+    DocumentLoadPtr Enclosing(const std::string& frame) const;
     void DropFrames();
     void DropFrame(const std::string& id);
+
+    // What only documents that scripts have opened hold up.
+    void CheckOpened();
+    bool WaitsForOpened(const std::string& frame) const;
+    bool IsAllElseQuiet() const;
+    FrameProbe::Questions QuestionsAboutOpened() const;
+    void OnProbed(const FrameProbe::Answers& answers);
+    void CompleteOpened();
 
     ChromiumPage& m_page; // not touched once detached
     bool m_isDetached = false;
@@ -115,6 +133,9 @@ private:
     std::string m_shownUrl;          // of the top level, with the fragment
     std::map<std::string, Frame> m_frames;
     std::map<std::string, DocumentLoadPtr> m_loads; // by loader
+    PageTraffic m_traffic;
+    bool m_hasOpened = false;            // some frame, at some time
+    std::shared_ptr<FrameProbe> m_probe; // until it is answered, or what it asks is out of date
 };
 
 } // namespace platform

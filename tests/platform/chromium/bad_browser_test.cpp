@@ -48,6 +48,81 @@ private:
     rlimit m_before{};
 };
 
+std::string Event(const char* pszMethod, const nlohmann::json& params) {
+    return nlohmann::json{{"method", pszMethod}, {"params", params}, {"sessionId", "S"}}.dump() +
+           '\0';
+}
+
+std::string Data(const char* pszRequest, int bytes) {
+    return Event("Network.dataReceived", {{"requestId", pszRequest}, {"dataLength", bytes}});
+}
+
+// The document L of the frame T, or the document and frame named F, has its head and is shown.
+std::string Shown(const char* pszLoader, const char* pszFrame) {
+    const std::string url = std::string("http://host/") + pszLoader;
+    const nlohmann::json ids{{"frameId", pszFrame}, {"loaderId", pszLoader}, {"url", url}};
+    nlohmann::json response{{"requestId", pszLoader}, {"type", "Document"}};
+    response["response"] = {{"url", url}, {"headers", {{"Content-Type", "text/html"}}}};
+    nlohmann::json frame{{"id", pszFrame}, {"loaderId", pszLoader}, {"url", url}};
+    if (std::string("T") != pszFrame) frame["parentId"] = "T";
+    return Event("Page.frameStartedNavigating", ids) + Event("Network.responseReceived", response) +
+           Event("Page.frameNavigated", {{"frame", frame}});
+}
+
+std::string Stopped(const char* pszFrame) {
+    return Event("Page.frameStoppedLoading", {{"frameId", pszFrame}});
+}
+
+// Answers every command, and a navigation with these messages; of its renderer only what `isAlive`.
+class PageStandIn {
+public:
+    PageStandIn(const std::string& messages, bool isAlive)
+        : m_browser(
+              "#!/bin/bash\n"
+              "while IFS= read -r -d '' line; do id=${line#*:}; id=${id%%,*}\n"
+              "case $line in\n"
+              "*Target.createTarget*) cat \"$0.page\";;\n"
+              "*Runtime.evaluate*) " +
+              std::string(isAlive ? "" : "continue") +
+              ";;\n"
+              "*Page.navigate*) cat \"$0.messages\";;\n"
+              "esac\n"
+              "printf '{\"id\":%s,\"result\":{\"browserContextId\":\"C\",\"body\":\"cGFnZQ==\","
+              "\"base64Encoded\":true}}\\0' \"$id\"\n"
+              "done <&3 >&4\n") {
+        nlohmann::json page{{"sessionId", "S"}};
+        page["targetInfo"] = {{"targetId", "T"}, {"type", "page"}};
+        const nlohmann::json attached{{"method", "Target.attachedToTarget"}, {"params", page}};
+        std::ofstream(m_browser.Path() + ".page") << attached.dump() << '\0';
+        std::ofstream(m_browser.Path() + ".messages") << messages;
+    }
+
+private:
+    StandIn m_browser;
+};
+
+// The status text at the end of a page: empty when it has been read.
+std::string EndOfPage(const std::string& messages, bool isAlive = true) {
+    const PageStandIn chromium(messages, isAlive);
+    const ScopedVariable headless("ZRHTTP_HEADLESS", "1");
+    CComPtr<IWebBrowser2> browser;
+    EXPECT_EQ(S_OK, CoCreateInstance(CLSID_InternetExplorer, nullptr, CLSCTX_LOCAL_SERVER,
+                                     IID_IWebBrowser2, reinterpret_cast<void**>(&browser)));
+    if (!browser) return "no browser";
+    COleVariant url{CString("http://host/L")};
+    EXPECT_EQ(S_OK, browser->Navigate2(&url, nullptr, nullptr, nullptr, nullptr));
+    READYSTATE state = 0;
+    PumpUntil(
+        [&] { return SUCCEEDED(browser->get_ReadyState(&state)) && state == READYSTATE_COMPLETE; },
+        "the end of the page");
+    CComBSTR text;
+    browser->get_StatusText(&text);
+    CComPtr<IDispatch> document;
+    EXPECT_EQ(SUCCEEDED(browser->get_Document(&document)), text.ToAnsi().IsEmpty());
+    browser->Quit();
+    return std::string(text.ToAnsi().View());
+}
+
 } // namespace
 
 TEST(BadStart, WithoutDescriptorsItSaysSoAndLeavesNothing) {
@@ -106,6 +181,25 @@ TEST(BadBrowser, IsReportedAndLeavesNothing) {
         EXPECT_THAT(recorder.Failures(), Contains(HasSubstr(failure)));
         EXPECT_TRUE(browser.IsGoneWithin(5s)) << script;
     }
+}
+
+TEST(BadPage, IsNotTakenForWhole) {
+    const std::string page = Shown("L", "T");
+    const std::string whole =
+        page + Event("Page.loadEventFired", {{"timestamp", 1}}) + Stopped("T");
+    const std::string crash = Event("Inspector.targetCrashed", nlohmann::json::object());
+    EXPECT_EQ(EndOfPage(whole), "");
+    EXPECT_EQ(EndOfPage(page + Stopped("T")), "") << "it has stopped its own loading";
+    EXPECT_EQ(EndOfPage(page + Stopped("T") + crash, false), "the page's process has ended");
+
+    const std::string large = "the page is larger than 268435456 bytes";
+    EXPECT_EQ(EndOfPage(page + Data("L", 268'435'456) + whole), "");
+    EXPECT_EQ(EndOfPage(page + Data("L", 268'435'456) + Data("L", 1)), large);
+    const std::string frame = Shown("F", "F") + Data("F", 300'000'000);
+    EXPECT_EQ(EndOfPage(page + frame + Stopped("T")), "") << "the frame alone has failed";
+    const std::string loaded = "the page loads more than 536870912 bytes";
+    EXPECT_EQ(EndOfPage(page + frame + Data("image", 200'000'000) + Data("script", 36'870'913)),
+              loaded);
 }
 
 TEST(BadStart, NothingOutlivesAToolThatIsEndedOnAnUnendingPage) {
