@@ -37,6 +37,7 @@ void PageLoads::BeginClients(const std::string& loader) {
     m_override.SetLoader(loader);
     m_loads[loader] = load;
     Top().next = load;
+    m_traffic.ForgetRequests();
 }
 
 // The page itself, or its user, goes on to another document.
@@ -50,6 +51,7 @@ void PageLoads::BeginPages(const std::string& frame, const std::string& loader,
     Frame& place = m_frames[frame];
     place.isLeaving = false;
     place.next = load;
+    if (IsTop(frame)) m_traffic.ForgetRequests();
     const DocumentLoadPtr left = place.current;
     BrowserObject& face = Face(*load);
     face.SetDocument(nullptr);
@@ -98,11 +100,7 @@ void PageLoads::OnSourceChanged(const DocumentLoadPtr& load) {
 
 void PageLoads::Commit(const DocumentLoadPtr& load) {
     Frame& frame = m_frames[load->frame];
-    if (IsTop(load->frame)) {
-        m_traffic.Reset();
-        m_hasOpened = false;
-    }
-    frame.isOpened = false;
+    if (IsTop(load->frame)) m_traffic.ForgetBytes();
     if (frame.next == load) frame.next.reset();
     const DocumentLoadPtr left = std::exchange(frame.current, load);
     if (left && left != load) {
@@ -282,7 +280,6 @@ void PageLoads::DropFrame(const std::string& id) {
         if (load) m_loads.erase(load->loader);
     const std::string parent = still->second.parent;
     m_frames.erase(still);
-    m_traffic.DropFrame(id);
     if (const DocumentLoadPtr outer = Enclosing(parent)) CompleteIfReady(outer);
 }
 

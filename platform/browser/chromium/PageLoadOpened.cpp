@@ -24,9 +24,20 @@ bool PageLoads::WaitsForOpened(const std::string& frame) const {
     });
 }
 
+// For a document that is there now: of those that have gone the end may go by unreported.
+bool PageLoads::IsLoading(const PageTraffic::Request& request) const {
+    const auto found = m_frames.find(request.frame);
+    if (found == m_frames.end()) return false;
+    const DocumentLoadPtr& shown = found->second.current;
+    return !shown || shown->loader == request.loader;
+}
+
 // Every document has been received, and none of them waits for more than that.
 bool PageLoads::IsAllElseQuiet() const {
-    if (m_client || m_traffic.IsBusy()) return false;
+    const auto& requests = m_traffic.UnderWay();
+    const bool isLoading = std::any_of(requests.begin(), requests.end(),
+                                       [&](const auto& entry) { return IsLoading(entry.second); });
+    if (m_client || isLoading) return false;
     return std::all_of(m_frames.begin(), m_frames.end(), [](const auto& entry) {
         const Frame& frame = entry.second;
         const bool isReceived =

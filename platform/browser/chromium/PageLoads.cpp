@@ -167,6 +167,7 @@ std::string PageLoads::ReasonOf(const std::string& error, const std::string& url
 void PageLoads::AbandonAll() {
     if (m_client) m_client->isDone = true;
     m_client.reset();
+    m_hasOpened = false;
     for (auto& [loader, load] : m_loads)
         load->isDone = true;
     m_loads.clear();

@@ -117,6 +117,7 @@ private:
     // What only documents that scripts have opened hold up.
     void CheckOpened();
     bool WaitsForOpened(const std::string& frame) const;
+    bool IsLoading(const PageTraffic::Request& request) const;
     bool IsAllElseQuiet() const;
     FrameProbe::Questions QuestionsAboutOpened() const;
     void OnProbed(const FrameProbe::Answers& answers);

@@ -15,14 +15,10 @@ bool HoldsLoadEvent(const std::string& type) {
 
 } // namespace
 
-void PageTraffic::Reset() {
-    m_underWay.clear();
-    m_bytes = 0;
-}
-
 void PageTraffic::OnRequest(const Json& params) {
     if (!HoldsLoadEvent(TextOf(params, "type"))) return;
-    m_underWay[TextOf(params, "requestId")] = TextOf(params, "frameId");
+    m_underWay[TextOf(params, "requestId")] = {TextOf(params, "frameId"),
+                                               TextOf(params, "loaderId")};
     ++m_begun;
 }
 
@@ -32,10 +28,6 @@ void PageTraffic::OnData(const Json& params) {
 
 void PageTraffic::OnEnd(const Json& params) {
     m_underWay.erase(TextOf(params, "requestId"));
-}
-
-void PageTraffic::DropFrame(const std::string& frame) {
-    std::erase_if(m_underWay, [&](const auto& entry) { return entry.second == frame; });
 }
 
 } // namespace platform
