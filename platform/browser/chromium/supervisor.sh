@@ -10,6 +10,8 @@ ended=
 PATH=${PATH:+$PATH:}/usr/bin:/bin
 (
   trap 'ended=1; kill -KILL "-$browser" "$browser" 2>/dev/null' HUP TERM
+  # What each of its processes may hold, in KiB: markup takes a renderer two hundred times its bytes.
+  ulimit -d 4194304 2>/dev/null
   # A session of its own, so that its process group holds all that it starts.
   setsid /bin/sh -c 'echo "$$"; exec "$@" >/dev/null' sh "$@" 7<&- &
   browser=$!
