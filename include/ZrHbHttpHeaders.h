@@ -1,8 +1,9 @@
 // The request headers of a page request: collected one by one or as a block, printed in a chosen
 // order.
 //
-// Header names are compared exactly, case-sensitively, unlike RFC 9110 has it. One object, one
-// thread at a time. Results are 1 for success and 0 for failure; there are no error texts.
+// Header names are compared exactly, case-sensitively, unlike RFC 9110 has it. Names and values end
+// at their first NUL byte, wherever they are given: added, in a block's line, in an order, looked
+// up. What is behind it is neither compared nor printed. One object, one thread at a time. Results are 1 for success and 0 for failure; there are no error texts.
 #pragma once
 
 #include <ZrHbFacade.h>
@@ -46,7 +47,10 @@ public:
     // Empty when there is no header of exactly that name.
     CString GetHeaderFieldValue(const CString& strName) const;
     // The client's user-agent text: "VELTRUM e-banking Software " and the comment at the end of
-    // the browser's own user-agent string, or "(compatible)". May start a browser to ask it.
+    // the browser's own user-agent string, or "(compatible)". May start a browser to ask it. The
+    // length that a browser tells sizes the buffer of the second question; one of a megabyte
+    // (1,048,576 bytes) or more is taken for no answer, so that a faulty browser cannot make the
+    // program ask for gigabytes.
     static CString GetVeltrumUserAgentValue();
 };
 

@@ -1,5 +1,7 @@
 #include "compose/HeaderList.h"
 
+#include "compose/TextPieces.h"
+
 namespace {
 
 constexpr std::string_view kSeparator = ": ";
@@ -8,6 +10,8 @@ constexpr std::string_view kSeparator = ": ";
 
 bool HeaderList::Add(std::string_view name, std::string_view value,
                      CZrHbHttpHeaders::EZrHbAddHandling eHandling) {
+    name = TextPieces::UpToNul(name);
+    value = TextPieces::UpToNul(value);
     if (name.empty() || value.empty()) return false;
     const auto [entry, isNew] = m_positions.try_emplace(std::string(name), m_fields.size());
     if (isNew) {
@@ -33,7 +37,7 @@ std::vector<const HeaderField*> HeaderList::InOrder(const CStringArray& order) c
         isTaken[position] = true;
     };
     for (int index = 0; index < order.GetSize(); ++index) {
-        const auto entry = m_positions.find(std::string(order[index].View()));
+        const auto entry = m_positions.find(std::string(order[index].GetString()));
         if (entry != m_positions.end()) take(entry->second);
     }
     for (std::size_t position = 0; position < m_fields.size(); ++position)

@@ -11,13 +11,14 @@
 inline constexpr std::string_view kLineEnd = "\r\n";
 
 struct HeaderField {
-    std::string name;  // never empty, no two the same
+    std::string name;  // never empty, no two the same; no NUL byte, nor in the value
     std::string value; // never empty
 };
 
 class HeaderList {
 public:
-    // False for an empty name or value, and for a name that is there under a handling that is none.
+    // Name and value count up to their first NUL byte. False when one is empty, and for a name that
+    // is there under a handling that is none.
     bool Add(std::string_view name, std::string_view value,
              CZrHbHttpHeaders::EZrHbAddHandling eHandling);
     // Null when there is none of exactly that name.

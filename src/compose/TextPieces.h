@@ -13,6 +13,9 @@ namespace TextPieces {
 using Pieces = std::initializer_list<std::string_view>;
 
 // The text's part ahead of its first NUL byte. Valid until the text changes.
+inline std::string_view UpToNul(std::string_view text) {
+    return text.substr(0, text.find('\0'));
+}
 inline std::string_view UpToNul(const CString& strText) {
     return strText.GetString();
 }

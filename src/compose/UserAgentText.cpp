@@ -10,7 +10,7 @@
 namespace {
 
 constexpr DWORD kUsualSize = 2048; // bytes
-// What a browser can be imagined to say; a length beyond it is none.
+// The length that a browser tells is how much is allocated: a faulty one must not take gigabytes.
 constexpr DWORD kLargestSize = 1024 * 1024;
 // Shorter texts are kept whole.
 constexpr std::size_t kShortestWithComment = 5;

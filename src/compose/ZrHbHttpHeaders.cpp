@@ -80,7 +80,7 @@ CString CZrHbHttpHeaders::GetHeaders() const {
 
 CString CZrHbHttpHeaders::GetHeaderFieldValue(const CString& strName) const {
     if (!GetImpl()) return CString();
-    const HeaderField* field = GetImpl()->headers.Find(std::string(strName.View()));
+    const HeaderField* field = GetImpl()->headers.Find(strName.GetString());
     return field ? CString(std::string_view(field->value)) : CString();
 }
 

@@ -125,7 +125,7 @@ TEST_F(ControlHostingBackend, APageThatStopsLoadingWithoutBeingCompleteFails) {
 
 TEST_F(ControlHostingBackend, AKeptPageGoesOnAndCanOnlyStallOnceBusyAgain) {
     Connect();
-    Open(TRUE);
+    Open(2);
     browser->SetSource("x");
     browser->moments = {{4, true}, {4, false}, {1, false}, {1, true}, {1, false}};
     const char* const complete = "0: x of http://host/final";

@@ -130,7 +130,7 @@ TEST_F(InProcessBackend, ItsWindowCarriesTheServerAndIsShownOnlyWhenAsked) {
     EXPECT_EQ(AfxGetWindowText(window), "");
     EXPECT_FALSE(IsWindowVisible(window));
 
-    backend->PutVisible(TRUE);
+    backend->PutVisible(2);
     EXPECT_TRUE(IsWindowVisible(window));
     backend->PutVisible(FALSE);
     EXPECT_TRUE(IsWindowVisible(window));

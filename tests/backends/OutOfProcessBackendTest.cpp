@@ -138,7 +138,7 @@ TEST_F(OutOfProcess, NoticesABrowserThatHasGoneAway) {
     for (const bool isRead : {true, false}) {
         const std::size_t index = applications.Created();
         Connect();
-        EXPECT_EQ(Open(TRUE), 0u);
+        EXPECT_EQ(Open(2), 0u);
         applications[index].failing = {"get_Visible"};
         if (isRead)
             EXPECT_EQ(Read(), kLost);
@@ -177,7 +177,7 @@ TEST_F(OutOfProcess, ReadsTheLiveDocumentAndRecordsWhatItReads) {
 
 TEST_F(OutOfProcess, HandsOutCollectedPagesInTheOrderOfTheirCompletion) {
     Connect();
-    ASSERT_EQ(Open(TRUE), 0u);
+    ASSERT_EQ(Open(2), 0u);
     EXPECT_EQ(Read(), kIdle); // nothing has begun yet
     const auto frame = MakeObject<ScriptedBrowser>();
     frame->SetSource("frame");
@@ -208,7 +208,7 @@ TEST_F(OutOfProcess, PopUpsOfACollectedPageStayInvisibleAndAreNotCollected) {
     EXPECT_EQ(Read(), kIdle);
     for (const std::size_t window : {0u, 1u})
         platform::RaiseOnVisible(applications[window].Events(), true);
-    backend.PutVisible(TRUE);
+    backend.PutVisible(2);
     EXPECT_EQ(browser.calls.back(), "put_Visible -1");
     platform::RaiseOnVisible(browser.Events(), true);
     EXPECT_EQ(browser.Count("put_Visible 0"), 2);

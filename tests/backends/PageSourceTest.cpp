@@ -138,7 +138,7 @@ TEST(PageSource, TheBodyFallbackStandsInForADocumentThatCannotWriteItsSource) {
     const std::string first = "Internal error: QueryInterface(IID_IPersistStreamInit...) failed.";
     EXPECT_EQ(SourceOf(document).strErr, first.c_str());
 
-    const Source body = SourceOf(document, 4, 1);
+    const Source body = SourceOf(document, 4, 2);
     EXPECT_EQ(body.result, 0u);
     EXPECT_EQ(body.strErr, "");
     EXPECT_EQ(body.nLength, 77u);

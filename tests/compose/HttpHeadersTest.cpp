@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using Headers = CZrHbHttpHeaders;
 constexpr auto kNoHandling = static_cast<Headers::EZrHbAddHandling>(0);
 
@@ -40,8 +41,8 @@ public:
         std::string block;
         for (const std::string& name : order)
             for (auto field = left.begin(); field != left.end(); ++field)
-                if (field->first == name) {
-                    block += name + ": " + field->second + "\r\n";
+                if (field->first == name.c_str()) {
+                    block += field->first + ": " + field->second + "\r\n";
                     left.erase(field);
                     break;
                 }
@@ -58,7 +59,7 @@ private:
 
 TEST(HttpHeaders, BlocksAreTakenLineByLine) {
     const struct {
-        const char* pszBlock;
+        std::string block;
         int result;
         const char* pszHeaders;
     } cases[] = {
@@ -66,12 +67,14 @@ TEST(HttpHeaders, BlocksAreTakenLineByLine) {
         {"A:   1  \r\nA : 2", 1, "A: 1  \r\nA : 2\r\n\r\n"},
         {"A: 1\r\nno colon\r\n: nameless\r\nempty: \r\nB:2", 0, "A: 1\r\nB: 2\r\n\r\n"},
         {"A: 1\nB: 2\rC: 3", 1, "A: 1\nB: 2\rC: 3\r\n\r\n"},
+        {"A: \t\v\f\n\r1\t", 1, "A: 1\t\r\n\r\n"},
+        {"A\0x: 1\0y\r\nA: 2\r\nB: \0z\r\nC: 3"s, 0, "A: 2\r\nC: 3\r\n\r\n"},
         {"", 0, ""},
     };
     for (const auto& one : cases) {
         Headers headers;
-        EXPECT_EQ(headers.AddHeaders(one.pszBlock, Headers::eAddHandling_Replace), one.result)
-            << one.pszBlock;
+        EXPECT_EQ(headers.AddHeaders(CString(one.block), Headers::eAddHandling_Replace), one.result)
+            << one.block;
         EXPECT_STREQ(headers.GetHeaders(), one.pszHeaders);
     }
 }
@@ -81,7 +84,8 @@ TEST(HttpHeaders, AreOrderedWhenTheyArePrinted) {
     headers.AddHeaderFieldText(ZrHbHeader::kAccept, "1", kNoHandling);
     headers.AddHeaderFieldText("accept", "2", kNoHandling);
     EXPECT_EQ(headers.AddHeaderFieldNumeric(ZrHbHeader::kAge, 4294967295, kNoHandling), 1);
-    EXPECT_STREQ(headers.GetHeaderFieldValue("accept"), "2");
+    for (const std::string& name : {"accept"s, "accept\0x"s})
+        EXPECT_STREQ(headers.GetHeaderFieldValue(CString(name)), "2");
     EXPECT_STREQ(headers.GetHeaderFieldValue("ACCEPT"), "");
 
     const Headers copy(headers);
@@ -99,7 +103,7 @@ TEST(HttpHeaders, EqualTheLiteralRules) {
     const auto text = [&](unsigned longest) {
         std::string result(random() % (longest + 1), 'a');
         for (char& ch : result)
-            ch = "aAb"[random() % 3];
+            ch = "aAb"[random() % 4]; // the last is NUL
         return result;
     };
     for (int round = 0; round < 2000; ++round) {
@@ -111,7 +115,7 @@ TEST(HttpHeaders, EqualTheLiteralRules) {
             const int handling = static_cast<int>(random() % 4);
             EXPECT_EQ(headers.AddHeaderFieldText(CString(name), CString(value),
                                                  static_cast<Headers::EZrHbAddHandling>(handling)),
-                      literal.Add(name, value, handling));
+                      literal.Add(name.c_str(), value.c_str(), handling));
         }
         std::vector<std::string> order;
         for (auto count = random() % 6; count > 0; --count)
@@ -128,7 +132,8 @@ TEST(UserAgent, TakesOverTheCommentAtTheEnd) {
         {" \tMozilla/5.0 (a) x (b)\r\n", "(a) x (b)"},
         {"Mozilla/5.0 (X11) Safari/537.36", "(compatible)"},
         {"(compatible; X)", "(compatible)"},
-        {"Abc", "Abc"},
+        {"Abcd", "Abcd"},
+        {"Abcde", "(compatible)"},
         {"  ", "(compatible)"},
     };
     for (const auto& [browser, comment] : cases)
@@ -137,8 +142,10 @@ TEST(UserAgent, TakesOverTheCommentAtTheEnd) {
 }
 
 TEST(UserAgent, IsAskedForAgainWithTheRoomThatItNeeds) {
-    const auto answerWith = [](const std::string& text, HRESULT tooSmall, HRESULT enough = S_OK) {
-        return [=](char* pBuffer, DWORD size, DWORD* pLength) {
+    std::vector<DWORD> sizes;
+    const auto answerWith = [&](const std::string& text, HRESULT tooSmall, HRESULT enough = S_OK) {
+        return [=, &sizes](char* pBuffer, DWORD size, DWORD* pLength) {
+            sizes.push_back(size);
             *pLength = static_cast<DWORD>(text.size());
             if (text.size() > size) return tooSmall;
             text.copy(pBuffer, text.size());
@@ -152,6 +159,7 @@ TEST(UserAgent, IsAskedForAgainWithTheRoomThatItNeeds) {
     EXPECT_EQ(AnswerOf(answerWith(large, E_OUTOFMEMORY)), large);
     EXPECT_EQ(AnswerOf(answerWith(large, E_FAIL)), large);
     EXPECT_EQ(AnswerOf(answerWith(large, S_OK)), "") << "a success that is none";
+    EXPECT_EQ(sizes, (std::vector<DWORD>{2048, 2048, 2048, 2048, 5001, 2048, 5001, 2048}));
 }
 
 TEST(UserAgent, IsThatOfTheControlsEngine) {

@@ -56,7 +56,7 @@ TEST_F(ReadTest, ADeliveredPageIsClosedUnlessItIsKept) {
     EXPECT_EQ(page, "");
     EXPECT_EQ(strUrl, "");
     EXPECT_EQ(strErr, "Cannot read: no previous Open() or already Close()'d or Disconnect()-ed.");
-    getter.Open("http://host/kept", strErr, TRUE);
+    getter.Open("http://host/kept", strErr, 2);
     EXPECT_EQ(Step(), 0u);
     EXPECT_EQ(Step(), 0u);
     EXPECT_FALSE(IsClosed());
@@ -106,7 +106,7 @@ TEST_F(ReadTest, LargeDataLengthensTheTimeoutByTheTimeOfThePost) {
     post();
     EXPECT_EQ(SecondsUntilTimeout(1000, FALSE), 1u);
     post();
-    EXPECT_EQ(SecondsUntilTimeout(1000, TRUE), 130u);
+    EXPECT_EQ(SecondsUntilTimeout(1000, 2), 130u);
     post();
     EXPECT_EQ(SecondsUntilTimeout(150'000, TRUE), 150u);
     getter.SetBaudForCalcLargeDataTimeout(120'000);

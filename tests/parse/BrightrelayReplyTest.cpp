@@ -29,6 +29,7 @@ TEST(BrightrelayReply, TakesValuesOutOfTheComment) {
         {"<!-- BRIGHTRELAY XSTATUS=7 STATUS=0 -->", "TATUS", "7", "", "7"},
         {"<!-- BRIGHTRELAY STATUS=0\r\n MSG=x\ny -->", "MSG", "xy", "", "0"},
         {"<!-- BRIGHTRELAY A=\"open B=1 -->", "A", "\"open", "", ""},
+        {"<!-- BRIGHTRELAY A=1 B=\"2\" -->", "B=", "\"2\"", "2", ""},
         {"<!-- BRIGHTRELAY A B=1 -->", "A B", "", "", ""}, // a blank ends the key itself
         {"<!-- BRIGHTRELAY STATUS=00 -->", "", "", "", "00"},
     };

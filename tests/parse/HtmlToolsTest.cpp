@@ -139,7 +139,7 @@ TEST(TagContent, IsFoundPieceByPiece) {
     EXPECT_TRUE(Tools::GetInfoBetweenHtmlTags(kText, "td", result, FALSE, FALSE, &next));
     EXPECT_EQ(result, "1");
     EXPECT_EQ(next, kText + 10);
-    EXPECT_TRUE(Tools::GetInfoBetweenHtmlTags(next, "td", result, TRUE, TRUE, &next));
+    EXPECT_TRUE(Tools::GetInfoBetweenHtmlTags(next, "td", result, 2, 2, &next));
     EXPECT_EQ(result, "2");
     const char* const end = next;
     EXPECT_FALSE(Tools::GetInfoBetweenHtmlTags(end, "td", result, TRUE, FALSE, &next));
@@ -148,7 +148,7 @@ TEST(TagContent, IsFoundPieceByPiece) {
     EXPECT_FALSE(Tools::GetInfoBetweenHtmlTags("</td><td>1</TD>", "td", result, 0, 0, nullptr));
     EXPECT_EQ(result, "2") << "left as it was";
 
-    EXPECT_FALSE(Tools::GetInfoBetweenHtmlTags("<td> </td>", "td", result, 1, 1, nullptr));
+    EXPECT_FALSE(Tools::GetInfoBetweenHtmlTags("<td> </td>", "td", result, 2, 2, nullptr));
     EXPECT_EQ(result, "");
     EXPECT_TRUE(Tools::GetInfoBetweenHtmlTags("<td></td>", "td", result, 0, 0, nullptr));
     EXPECT_TRUE(Tools::GetInfoBetweenHtmlTags("<a></a></a>", "a></a", result, 0, 0, &next));

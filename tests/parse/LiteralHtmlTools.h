@@ -30,13 +30,13 @@ inline std::string RemoveSections(std::string_view text, std::string_view start,
 
 inline std::string Decode(std::string_view text, bool format) {
     CString page(text);
-    CZrHbHtmlTools::HtmlPageDecode(page, format);
+    CZrHbHtmlTools::HtmlPageDecode(page, format ? 2 : 0);
     return std::string(page.View());
 }
 
 inline std::string PureText(std::string_view text, bool compact) {
     CString page(text);
-    CZrHbHtmlTools::HtmlPageMakePureText(page, compact);
+    CZrHbHtmlTools::HtmlPageMakePureText(page, compact ? 2 : 0);
     return std::string(page.View());
 }
 
