@@ -10,7 +10,10 @@ install(TARGETS ZrHttpBase3_shared EXPORT ZrHttpBase3
 install(TARGETS ZrMwMApiWrapper
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zrhttpbase3 COMPONENT runtime)
 
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ ${PROJECT_SOURCE_DIR}/platform/include/
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/
+  DESTINATION ${HEADER_DIR} COMPONENT development FILES_MATCHING PATTERN "*.h"
+  PATTERN platform EXCLUDE) # in the tree a link to what follows
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/
   DESTINATION ${HEADER_DIR} COMPONENT development FILES_MATCHING PATTERN "*.h")
 install(EXPORT ZrHttpBase3 NAMESPACE ZrHttpBase3:: FILE ZrHttpBase3Config.cmake
   DESTINATION ${PACKAGE_DIR} COMPONENT development)

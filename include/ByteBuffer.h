@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "platform/Export.h"
+#include "platform/String.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -1,7 +1,7 @@
 // The client's application groups.
 #pragma once
 
-#include <platform/Export.h>
+#include "platform/Export.h"
 
 ZRHB_EXPORT_BEGIN
 

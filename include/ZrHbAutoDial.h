@@ -2,7 +2,7 @@
 // registry value "EnableAutodial" of the Internet settings. Any thread.
 #pragma once
 
-#include <platform/Export.h>
+#include "platform/Export.h"
 
 ZRHB_EXPORT_BEGIN
 

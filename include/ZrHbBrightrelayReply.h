@@ -7,9 +7,9 @@
 // One object, one thread at a time. Nothing is logged; failures leave a text and the code -1.
 #pragma once
 
-#include <ZrHbFacade.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ZrHbFacade.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 class CZrHbBrightrelayReply_Impl;
 
@@ -49,6 +49,10 @@ public:
     // -1 after a failure, which only Cleanup (or Init after a successful Init) forgets, else 0;
     // strErr becomes the last failure's text.
     int GetLastParserError(CString& strErr) const;
+
+private:
+    friend CZrHbFacade;
+    static void DestroyImpl(CZrHbBrightrelayReply_Impl* pImpl);
 };
 
 ZRHB_EXPORT_END

@@ -13,9 +13,9 @@
 //     CString body = form.GetURLEncodedData(0);
 #pragma once
 
-#include <ZrHbFacade.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ZrHbFacade.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 class CZrHbDataTransmit_Impl;
 
@@ -87,6 +87,10 @@ public:
     // Why the last operation failed; asking empties it. Without such a text, that of the thread's
     // system error code, which becomes 0.
     CString GetLastError();
+
+private:
+    friend CZrHbFacade;
+    static void DestroyImpl(CZrHbDataTransmit_Impl* pImpl);
 };
 
 ZRHB_EXPORT_END

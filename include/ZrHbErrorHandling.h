@@ -1,9 +1,9 @@
 // Error texts, and records in the client's error log.
 #pragma once
 
-#include <ZrAbAppGroup.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ZrAbAppGroup.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 ZRHB_EXPORT_BEGIN
 

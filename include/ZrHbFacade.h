@@ -1,18 +1,27 @@
 // The shape that all exported classes with state share: a pointer to the implementation object, a
 // copy guard, and three virtual functions in this order.
+//
+// A class derived from an exported one may give it another implementation object, or none: every
+// operation then answers with the result that it has for that.
 #pragma once
 
 #include <memory>
 #include <utility>
 
-#include <platform/Export.h>
+#include "platform/Export.h"
 
 ZRHB_EXPORT_BEGIN
 
 // TFacade: the exported class. TImpl: its implementation object, complete only where the exported
-// class is implemented.
+// class is implemented; there DestroyImpl deletes one.
 template <class TFacade, class TImpl>
 class CZrHbFacade {
+    struct Destroyer {
+        Destroyer() = default;
+        Destroyer(std::default_delete<TImpl>) {} // for what std::make_unique has made
+        void operator()(TImpl* pImpl) const { TFacade::DestroyImpl(pImpl); }
+    };
+
 public:
     // Returns the object itself; part of the assignment protocol, copies nothing.
     virtual TFacade& CopyObject() { return static_cast<TFacade&>(*this); }
@@ -21,17 +30,19 @@ private:
     virtual int ThisVirtualFunctionIsDefinedToAddVirtualMethodsTable() { return 0; }
 
 public:
-    virtual ~CZrHbFacade() { DeleteImpl(); }
+    virtual ~CZrHbFacade() = default;
     CZrHbFacade(const CZrHbFacade&) = delete;
     CZrHbFacade& operator=(const CZrHbFacade&) = delete;
 
 protected:
+    using ImplPtr = std::unique_ptr<TImpl, Destroyer>;
+
     CZrHbFacade() = default;
 
-    // Takes the implementation object and clears the guard; 1 when there is one, else 0.
-    int CreateImpl(std::unique_ptr<TImpl> impl) {
-        DeleteImpl();
-        m_pImpl = impl.release();
+    // Takes the implementation object in place of the one before and clears the guard; 1 when there
+    // is one, 0 for null.
+    int CreateImpl(ImplPtr pImpl) {
+        m_pImpl = std::move(pImpl);
         m_nCopyGuard = 0;
         return m_pImpl ? 1 : 0;
     }
@@ -44,11 +55,11 @@ protected:
             if (m_pImpl && other.m_pImpl) *m_pImpl = *other.m_pImpl;
         });
     }
-    TImpl* GetImpl() const { return m_pImpl; }
+    TImpl* GetImpl() const { return m_pImpl.get(); }
     // 1, or 0 when there was none.
     int DeleteImpl() {
-        const std::unique_ptr<TImpl> impl(std::exchange(m_pImpl, nullptr));
-        return impl ? 1 : 0;
+        const ImplPtr pImpl = std::move(m_pImpl);
+        return pImpl ? 1 : 0;
     }
     // Runs copyContent unless an assignment of this object is under way already, then the
     // facade's own self-assignment under the guard.
@@ -63,7 +74,7 @@ protected:
     }
 
 private:
-    TImpl* m_pImpl = nullptr;
+    ImplPtr m_pImpl;
     int m_nCopyGuard = 0;
 };
 

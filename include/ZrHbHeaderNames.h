@@ -2,7 +2,7 @@
 // header blocks.
 #pragma once
 
-#include <platform/Export.h>
+#include "platform/Export.h"
 
 ZRHB_EXPORT_BEGIN
 

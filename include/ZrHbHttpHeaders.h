@@ -3,12 +3,13 @@
 //
 // Header names are compared exactly, case-sensitively, unlike RFC 9110 has it. Names and values end
 // at their first NUL byte, wherever they are given: added, in a block's line, in an order, looked
-// up. What is behind it is neither compared nor printed. One object, one thread at a time. Results are 1 for success and 0 for failure; there are no error texts.
+// up. What is behind it is neither compared nor printed. One object, one thread at a time. Results
+// are 1 for success and 0 for failure; there are no error texts.
 #pragma once
 
-#include <ZrHbFacade.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ZrHbFacade.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 class CZrHbHttpHeaders_Impl;
 
@@ -52,6 +53,10 @@ public:
     // (1,048,576 bytes) or more is taken for no answer, so that a faulty browser cannot make the
     // program ask for gigabytes.
     static CString GetVeltrumUserAgentValue();
+
+private:
+    friend CZrHbFacade;
+    static void DestroyImpl(CZrHbHttpHeaders_Impl* pImpl);
 };
 
 ZRHB_EXPORT_END

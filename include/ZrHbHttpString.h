@@ -6,9 +6,9 @@
 // "." and "_" too.
 #pragma once
 
-#include <ZrHbFacade.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ZrHbFacade.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 class CZrHbHttpString_Impl;
 
@@ -30,6 +30,10 @@ public:
     CString GetGetString() const;
     // Removes all fields; returns how many there were.
     int Empty();
+
+private:
+    friend CZrHbFacade;
+    static void DestroyImpl(CZrHbHttpString_Impl* pImpl);
 };
 
 ZRHB_EXPORT_END

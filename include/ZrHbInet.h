@@ -11,11 +11,11 @@
 // share one stop request and one last worker. Operations are called on one thread.
 #pragma once
 
-#include <ZrAbAppGroup.h>
-#include <ZrHbFacade.h>
-#include <platform/CWnd.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ZrAbAppGroup.h"
+#include "ZrHbFacade.h"
+#include "platform/CWnd.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 class CZrHbInet_Impl;
 
@@ -68,6 +68,10 @@ public:
     // number. Any thread.
     static CString GetReasonForCommunicationError(EZrAbAppGroup eGroup,
                                                   EZrHbErrorServerResponse eErrorServerResponse);
+
+private:
+    friend CZrHbFacade;
+    static void DestroyImpl(CZrHbInet_Impl* pImpl);
 };
 
 ZRHB_EXPORT_END

@@ -9,9 +9,9 @@
 // was by a read that succeeds.
 #pragma once
 
-#include <ByteBuffer.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ByteBuffer.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 ZRHB_EXPORT_BEGIN
 

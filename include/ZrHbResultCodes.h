@@ -1,8 +1,8 @@
 // Result codes of the page getter and its browser back-ends (unsigned 32-bit).
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/Types.h>
+#include "platform/Export.h"
+#include "platform/Types.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -15,14 +15,14 @@
 // copy is not connected.
 #pragma once
 
-#include <ByteBuffer.h>
-#include <ZrAbAppGroup.h>
-#include <ZrHbFacade.h>
-#include <ZrHbResultCodes.h>
-#include <platform/Browser.h>
-#include <platform/Export.h>
-#include <platform/String.h>
-#include <platform/Time.h>
+#include "ByteBuffer.h"
+#include "ZrAbAppGroup.h"
+#include "ZrHbFacade.h"
+#include "ZrHbResultCodes.h"
+#include "platform/Browser.h"
+#include "platform/Export.h"
+#include "platform/String.h"
+#include "platform/Time.h"
 
 class CZrHbUHttpGet_Impl;
 
@@ -55,10 +55,14 @@ public:
     // hidden control of eInvisible, otherwise unused. nTraceFlag, strTraceText, eConnectWith: go
     // into the trace records only. Results: 0; 20 "Internal error: No valid browser instance" or
     // "Internal error: Connecting browser instance failed"; 23 when an exception ended it.
+    //
+    // This is the first generation: a POST text whose length the getter takes goes out with its
+    // terminating NUL, which a server finds behind the last field. Use ConnectV2 or ConnectV3,
+    // unless a server counts on that NUL.
     DWORD Connect(HWND hWndParent, CString& strErr, EZrHbInterfaceVariant eVariant,
                   EZrHbConnectWith eConnectWith, int nTraceFlag, const CString& strTraceText);
-    // As Connect; from now on POST texts whose length the getter takes are sent without their
-    // terminating NUL.
+    // As Connect, in the second generation: from now on, also after a later Connect, POST texts
+    // whose length the getter takes are sent without their terminating NUL.
     DWORD ConnectV2(HWND hWndParent, CString& strErr, EZrHbInterfaceVariant eVariant,
                     EZrHbConnectWith eConnectWith, int nTraceFlag, const CString& strTraceText);
     // As ConnectV2, with the choice of the browser: in the caller's process when strServerUrl is
@@ -67,7 +71,7 @@ public:
     DWORD ConnectV3(HWND hWndParent, CString& strErr, EZrHbInterfaceVariant eVariant,
                     EZrHbConnectWith eConnectWith, int nTraceFlag, const CString& strTraceText,
                     const CString& strServerUrl, int bForceInProcessOnVista, int bInProcess);
-    // As ConnectV3, without switching to the second generation of POST lengths.
+    // As ConnectV3, without switching to the second generation: see Connect.
     DWORD ConnectRefact(HWND hWndParent, CString& strErr, EZrHbInterfaceVariant eVariant,
                         EZrHbConnectWith eConnectWith, int nTraceFlag, const CString& strTraceText,
                         const CString& strServerUrl, int bForceInProcessOnVista, int bInProcess);
@@ -113,7 +117,8 @@ public:
     DWORD Open(const CString& strUrl, CString& strErr, BOOL bKeepPageOpen);
     // A POST request with a text (up to its first NUL), also an empty one. pszHeaders: header
     // lines separated by CR LF, or null for "Content-Type: application/x-www-form-urlencoded".
-    // They are sent only with POST data.
+    // They are sent only with POST data. The text is followed by a NUL byte in the request unless
+    // the getter has connected by ConnectV2 or ConnectV3.
     DWORD Open(const CString& strUrl, CString& strErr, const CString& strPostData,
                const char* pszHeaders, BOOL bKeepPageOpen);
     // pPostData: nPostLen bytes, or a NUL-terminated text with nPostLen 0xFFFFFFFF; null for a GET
@@ -137,12 +142,14 @@ public:
 
     // --- Reading pages ----------------------------------------------------------------------
     //
-    // page: the source, as text (it loses what follows a NUL in a block of 4096 bytes) or as
-    // bytes. strUrl: the location of the page read. dwTimeout: milliseconds without growth of the
-    // page after which the read fails with 24 (0: none; compared in whole seconds). bLargeData:
-    // lengthens dwTimeout by the time the posted data needs. dwIdleTimeout: milliseconds that the
-    // browser may stay loaded and idle before 29 (0: none; 15000 where it is no argument). pTitles:
-    // window titles; a window that comes up with one of them is brought to the front once.
+    // page: the source, as bytes or as text. As text, collected and saved pages too, it loses what
+    // follows a NUL in a block of 4096 bytes; from the browser control in the program (eVisible)
+    // it has every byte, NULs too, like the byte forms. strUrl: the location of the page read.
+    // dwTimeout: milliseconds without growth of the page after which the read fails with 24 (0:
+    // none; compared in whole seconds). bLargeData: lengthens dwTimeout by the time the posted data
+    // needs. dwIdleTimeout: milliseconds that the browser may stay loaded and idle before 29 (0:
+    // none; 15000 where it is no argument). pTitles: window titles; a window that comes up with one
+    // of them is brought to the front once.
 
     // One step, without waiting: 0 with the page, 10 still loading, 11 loaded and idle, 22, 24, 25,
     // 27. nLength: bytes so far.
@@ -195,6 +202,8 @@ public:
                        BOOL bLargeData, ReadCallback pfnCallback, void* pCallbackContext);
 
 private:
+    friend CZrHbFacade;
+    static void DestroyImpl(CZrHbUHttpGet_Impl* pImpl);
     BOOL MAPI_IEIsProtectedModeURL(const CString& strUrl);
 };
 

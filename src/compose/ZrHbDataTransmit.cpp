@@ -24,6 +24,10 @@ CZrHbDataTransmit::~CZrHbDataTransmit() {
     DeleteImpl();
 }
 
+void CZrHbDataTransmit::DestroyImpl(CZrHbDataTransmit_Impl* pImpl) {
+    std::default_delete<CZrHbDataTransmit_Impl>()(pImpl);
+}
+
 int CZrHbDataTransmit::SetField(const CString& strName, const CString& strValue,
                                 const EZrHbDataConfidentialityType& eConfidentiality) {
     return GetImpl() ? GetImpl()->SetField(strName, strValue, eConfidentiality) : 0;

@@ -56,6 +56,10 @@ CZrHbHttpHeaders::~CZrHbHttpHeaders() {
     DeleteImpl();
 }
 
+void CZrHbHttpHeaders::DestroyImpl(CZrHbHttpHeaders_Impl* pImpl) {
+    std::default_delete<CZrHbHttpHeaders_Impl>()(pImpl);
+}
+
 int CZrHbHttpHeaders::AddHeaders(const CString& strBlock, EZrHbAddHandling eHandling) {
     return GetImpl() && GetImpl()->AddBlock(strBlock.View(), eHandling) ? 1 : 0;
 }

@@ -52,6 +52,10 @@ CZrHbHttpString::~CZrHbHttpString() {
     DeleteImpl();
 }
 
+void CZrHbHttpString::DestroyImpl(CZrHbHttpString_Impl* pImpl) {
+    std::default_delete<CZrHbHttpString_Impl>()(pImpl);
+}
+
 int CZrHbHttpString::AddField(CString strName, CString strValue, int nEncode) {
     if (!GetImpl()) return 0;
     if (nEncode) strValue = CZrHbHtmlTools::URLEncodeString(strValue);

@@ -71,6 +71,10 @@ CZrHbInet::~CZrHbInet() {
     DeleteImpl();
 }
 
+void CZrHbInet::DestroyImpl(CZrHbInet_Impl* pImpl) {
+    std::default_delete<CZrHbInet_Impl>()(pImpl);
+}
+
 int CZrHbInet::DownloadFile(EZrAbAppGroup eGroup, const CString& strUrl, const CString& strFile) {
     return GetImpl() ? GetImpl()->Download(eGroup, strUrl, strFile) : 0;
 }

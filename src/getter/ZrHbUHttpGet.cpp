@@ -57,6 +57,10 @@ CZrHbUHttpGet::~CZrHbUHttpGet() {
     DeleteImpl();
 }
 
+void CZrHbUHttpGet::DestroyImpl(CZrHbUHttpGet_Impl* pImpl) {
+    std::default_delete<CZrHbUHttpGet_Impl>()(pImpl);
+}
+
 BOOL CZrHbUHttpGet::IsConnected() {
     return GetImpl() && GetImpl()->backend ? TRUE : FALSE;
 }

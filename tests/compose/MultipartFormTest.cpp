@@ -59,7 +59,8 @@ TEST(MultipartForm, TakesTextFromFiles) {
     home.WriteFile("drive_c/f", "a\nb");
     home.WriteFile("drive_c/empty", "");
     const CString gone = "Cannot read file 'c:\\gone': The system cannot find the file specified.";
-    const CString cases[][3] = {{"c:\\f", "a\nb", ""}, {"c:\\empty", "", ""}, {"c:\\gone", "", gone}};
+    const CString cases[][3] = {
+        {"c:\\f", "a\nb", ""}, {"c:\\empty", "", ""}, {"c:\\gone", "", gone}};
     for (const auto& [path, content, reason] : cases) {
         CString strErrs[3];
         EXPECT_EQ(Form::MultipartAttachFromFile("f", path, strErrs[0]),

@@ -15,7 +15,7 @@ shown=$(nm -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | sed 's/
 
 strangers=$(comm -23 <(printf '%s\n' "$shown") <(printf '%s\n' "$declared"))
 hidden=$(nm -DC --defined-only "$library" | grep -E '_Impl|nlohmann|DevTools|Curl' |
-  grep -vE 'CZrHbFacade<' || true)
+  grep -vE 'CZrHbFacade<|::DestroyImpl\(' || true)
 if [[ -n $strangers || -n $hidden ]]; then
   printf 'shown, but not declared in a public header:\n%s\n%s\n' "$strangers" "$hidden" >&2
   exit 1

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Makes the Debian packages, installs them into an empty tree, builds a consumer against that tree
-# by CMake and by pkg-config, runs it and the tool, removes the packages: nothing may be left.
+# by CMake and by pkg-config, runs it and the tool, removes the packages: nothing may be left. The
+# headers compile beside those of another project, as installed and where they are.
 #
 # usage: install_test.sh BUILD-FOLDER
 set -euo pipefail
@@ -38,7 +39,18 @@ flags=$(PKG_CONFIG_PATH=$library/pkgconfig pkg-config --cflags --libs zrhttpbase
 # shellcheck disable=SC2086
 c++ -std=c++20 "$here/consumer/main.cpp" $flags -o "$work/consumer" || fail "by pkg-config"
 for consumer in "$work/cmake/consumer" "$work/consumer"; do
-  [[ $("$consumer") == $'X-Client: 3\r\n\r' ]] || fail "$consumer prints $("$consumer" | od -c)"
+  output=$("$consumer") || fail "$consumer fails"
+  [[ $output == $'X-Client: 3\r\n\r' ]] || fail "$consumer prints $(od -c <<<"$output")"
+done
+
+for headers in "$root/usr/include/zrhttpbase3" "$here/../../include"; do
+  mkdir -p "$work/other/platform"
+  for header in "$headers"/platform/*.h; do
+    echo '#error "this is the header of another project"' >"$work/other/platform/${header##*/}"
+  done
+  (cd "$headers" && printf '#include <%s>\n' *.h) |
+    c++ -std=c++20 -fsyntax-only -DTRUE=1 -DFALSE=0 -I "$work/other" -I "$headers" -x c++ - \
+      2>"$work/out" || fail "$headers beside other headers: $(cat "$work/out")"
 done
 
 "$root/usr/bin/zrhttp" version >/dev/null || fail "the tool does not run"

@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include <platform/Export.h>
-#include <platform/Types.h>
+#include "Export.h"
+#include "Types.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -3,10 +3,10 @@
 
 #include <functional>
 
-#include <platform/Export.h>
-#include <platform/Services.h>
-#include <platform/Unknown.h>
-#include <platform/Variant.h>
+#include "Export.h"
+#include "Services.h"
+#include "Unknown.h"
+#include "Variant.h"
 
 ZRHB_EXPORT_BEGIN
 

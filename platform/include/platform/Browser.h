@@ -1,8 +1,8 @@
 // Browser automation: the browser's interface, its events, its documents.
 #pragma once
 
-#include <platform/Automation.h>
-#include <platform/Export.h>
+#include "Automation.h"
+#include "Export.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -1,8 +1,8 @@
 // What the browser engines find on this machine.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

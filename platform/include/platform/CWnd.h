@@ -1,9 +1,9 @@
 // Framework window objects: a window's operations, and the hosting of automation controls.
 #pragma once
 
-#include <platform/Automation.h>
-#include <platform/Export.h>
-#include <platform/Window.h>
+#include "Automation.h"
+#include "Export.h"
+#include "Window.h"
 
 ZRHB_EXPORT_BEGIN
 

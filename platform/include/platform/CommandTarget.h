@@ -6,8 +6,8 @@
 #include <tuple>
 #include <type_traits>
 
-#include <platform/Automation.h>
-#include <platform/Export.h>
+#include "Automation.h"
+#include "Export.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -2,8 +2,8 @@
 // Delete() on it when done.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

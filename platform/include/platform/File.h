@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

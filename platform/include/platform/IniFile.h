@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 namespace platform {
 class IniIndex;

@@ -4,9 +4,9 @@
 #include <atomic>
 #include <cstdint>
 
-#include <platform/Export.h>
-#include <platform/Services.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "Services.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -1,8 +1,8 @@
 // The calling thread's last system error.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -2,9 +2,9 @@
 // for in the current directory only.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/Services.h>
-#include <platform/Types.h>
+#include "Export.h"
+#include "Services.h"
+#include "Types.h"
 
 ZRHB_EXPORT_BEGIN
 

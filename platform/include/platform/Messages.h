@@ -1,8 +1,8 @@
 // A message queue for each thread.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/Types.h>
+#include "Export.h"
+#include "Types.h"
 
 ZRHB_EXPORT_BEGIN
 

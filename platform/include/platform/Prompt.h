@@ -3,9 +3,9 @@
 
 #include <functional>
 
-#include <platform/Export.h>
-#include <platform/Services.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "Services.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

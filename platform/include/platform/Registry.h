@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include <platform/Export.h>
-#include <platform/Services.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "Services.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

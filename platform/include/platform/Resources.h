@@ -3,8 +3,8 @@
 
 #include <span>
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include <platform/Export.h>
+#include "Export.h"
 
 ZRHB_EXPORT_BEGIN
 

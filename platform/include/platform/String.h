@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include <platform/Export.h>
-#include <platform/Types.h>
+#include "Export.h"
+#include "Types.h"
 
 ZRHB_EXPORT_BEGIN
 

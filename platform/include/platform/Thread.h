@@ -4,9 +4,9 @@
 #include <functional>
 #include <memory>
 
-#include <platform/Export.h>
-#include <platform/Services.h>
-#include <platform/Types.h>
+#include "Export.h"
+#include "Services.h"
+#include "Types.h"
 
 ZRHB_EXPORT_BEGIN
 

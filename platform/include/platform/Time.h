@@ -4,8 +4,8 @@
 #include <compare>
 #include <cstdint>
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

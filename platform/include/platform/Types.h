@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include <platform/Export.h>
+#include "Export.h"
 
 ZRHB_EXPORT_BEGIN
 
@@ -29,8 +29,13 @@ using HMENU = struct HMENU__*;
 using HINSTANCE = HMODULE;
 using FARPROC = void (*)();
 
+// Other libraries' headers define them as macros, with the same values.
+#ifndef FALSE
 constexpr BOOL FALSE = 0;
+#endif
+#ifndef TRUE
 constexpr BOOL TRUE = 1;
+#endif
 
 // Status codes of interfaces. Negative is failure.
 constexpr HRESULT S_OK = 0;

@@ -1,8 +1,8 @@
 // Taking URLs apart (RFC 3986).
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

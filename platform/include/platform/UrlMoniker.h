@@ -1,8 +1,8 @@
 // Options of the process's use of URLs.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/Types.h>
+#include "Export.h"
+#include "Types.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -5,8 +5,8 @@
 // environment is read at every call. Directories are made (mode 0700) by whoever first writes.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include <platform/Export.h>
-#include <platform/String.h>
-#include <platform/Unknown.h>
+#include "Export.h"
+#include "String.h"
+#include "Unknown.h"
 
 ZRHB_EXPORT_BEGIN
 

@@ -2,10 +2,10 @@
 // goes away with that thread at the latest.
 #pragma once
 
-#include <platform/Export.h>
-#include <platform/Messages.h>
-#include <platform/Services.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "Messages.h"
+#include "Services.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 
