@@ -24,8 +24,8 @@ int main(int argc, char** argv) {
     CString error, page, url;
     const CString data = form.GetURLEncodedData(FALSE);
     const CString header = form.GetURLEncodedHeader() + "\r\n";
-    if (getter.Connect(nullptr, error, CZrHbUHttpGet::eVisible,
-                       CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "") != ZRHB_OK ||
+    if (getter.ConnectV2(nullptr, error, CZrHbUHttpGet::eVisible,
+                         CZrHbUHttpGet::eConnectWith_InternetExplorer, 0, "") != ZRHB_OK ||
         getter.Open(argv[1], error, data, header, FALSE) != ZRHB_OK ||
         getter.BusyRead(page, error, url, 30'000, FALSE, 15'000, nullptr, nullptr) != ZRHB_OK)
         return std::fprintf(stderr, "form: %s\n", error.GetString()), 1;

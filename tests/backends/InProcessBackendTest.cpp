@@ -115,9 +115,9 @@ TEST_F(InProcessBackend, ReportsWhatFailsWhileReading) {
     EXPECT_EQ(page, "old");
 
     browser->failing = {"get_LocationURL"};
-    browser->SetSource("new");
+    browser->SetSource(std::string("n\0w", 3)); // text, but every byte of it
     strUrl = "kept";
-    EXPECT_EQ(Read(), "0: new of kept");
+    EXPECT_EQ(Read(), std::string("0: n\0w of kept", 14));
 }
 
 TEST_F(InProcessBackend, ItsWindowCarriesTheServerAndIsShownOnlyWhenAsked) {

@@ -48,6 +48,10 @@ void AddTextCommand(CLI::App& application, int& exitStatus) {
                      "element says, then UTF-8 if it is that, else windows-1252")
         ->type_name("NAME");
     AddOutputOption(*command, options->output);
+    command->footer(
+        "The text is in the locale's encoding (LC_ALL, LC_CTYPE or LANG; UTF-8 in the C "
+        "locale), to a terminal, a pipe or a file alike. Characters that it lacks "
+        "become ?.");
     command->callback([options, &exitStatus] {
         RunText(*options);
         exitStatus = kSuccess;
