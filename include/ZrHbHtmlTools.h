@@ -1,11 +1,12 @@
 // Tools for pages and for texts on the wire. All functions are static and keep no state; any
-// thread, but for those on documents. Pages are 8-bit text; all costs are linear in the text.
+// thread, but for those on documents. Pages are 8-bit text; all costs are linear in the texts
+// given.
 #pragma once
 
-#include <ByteBuffer.h>
-#include <platform/Browser.h>
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "ByteBuffer.h"
+#include "platform/Browser.h"
+#include "platform/Export.h"
+#include "platform/String.h"
 
 ZRHB_EXPORT_BEGIN
 
@@ -43,7 +44,7 @@ public:
     // case of ASCII letters, until there is no such section left (a removal may join what becomes
     // a new start). A section without end stays. The end is searched from the beginning of the
     // start text on. An empty end text changes nothing, an empty start text is found at the
-    // beginning of the page.
+    // beginning of the page. Linear in the page and both texts together, however long they are.
     static void HtmlPageRemoveSections(CString& page, const CString& strStart,
                                        const CString& strEnd);
     // Decodes numeric references ("&#65;", modulo 256) and the named ones of ISO 8859-1 (HTML

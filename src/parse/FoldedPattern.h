@@ -21,9 +21,13 @@ public:
     // The state of a search that has come to the end of a text without match.
     std::size_t StateBehind(std::string_view text) const;
 
+    // The state behind one more character, in upper case. matched: less than the whole pattern.
+    std::size_t Advance(std::size_t matched, char folded) const;
+    // The next shorter part of the pattern that has matched as well. matched: more than 0.
+    std::size_t Fallback(std::size_t matched) const { return m_fallbacks[matched - 1]; }
+
 private:
     std::size_t FindFirstCharacter(std::string_view text, std::size_t position) const;
-    std::size_t Advance(std::size_t matched, char folded) const;
 
     std::string m_pattern;
     // For each count of matched characters less one: how many remain matched when the next differs.

@@ -2,17 +2,17 @@
 
 #include <ZrHbHtmlTools.h>
 
-#include <cstring>
-
 #include "parse/FoldedPattern.h"
 #include "parse/InPlaceWriter.h"
+#include "parse/PrefixRemover.h"
 
 namespace {
 
 constexpr std::size_t kNotFound = std::string_view::npos;
 
 // Removes every section in one pass. The text in front of a removed section stays ready to become
-// the first part of the next start text, and the end text may begin inside the start text.
+// the first part of the next start text, and the end text may begin inside the start text. When it
+// ends inside, all sections are the same: the beginning of the start text.
 class SectionRemover {
 public:
     SectionRemover(std::string_view start, std::string_view end) : m_start(start), m_end(end) {
@@ -20,6 +20,8 @@ public:
     }
 
     std::size_t Remove(char* text, std::size_t length) const {
+        if (m_endInsideStart < m_start.Text().size())
+            return PrefixRemover(m_start, m_endInsideStart).Remove(text, length);
         const std::string_view page(text, length);
         InPlaceWriter kept(text);
         std::size_t position = 0;
@@ -29,7 +31,7 @@ public:
             if (behindStart == kNotFound) break;
             kept.Copy(position, behindStart);
             const std::size_t sectionStart = kept.Length() - m_start.Text().size();
-            position = BehindSection(text, page, behindStart, kept.Length());
+            position = BehindSection(page, behindStart);
             if (position == kNotFound) {
                 position = behindStart;
                 break;
@@ -42,19 +44,10 @@ public:
     }
 
 private:
-    // Where reading goes on behind the section whose start text ends at `behindStart` of the page
-    // and at `keptLength` of what is kept of it.
-    std::size_t BehindSection(char* text, std::string_view page, std::size_t behindStart,
-                              std::size_t keptLength) const {
-        if (m_endInsideStart == kNotFound) {
-            std::size_t matched = m_endStateBehindStart;
-            return m_end.FindEnd(page, behindStart, matched);
-        }
-        // The rest of the start text is to be read again. It stands in one piece only in the kept
-        // text: the start text may have been joined from both sides of a removed section.
-        const std::size_t unread = m_start.Text().size() - m_endInsideStart;
-        std::memmove(text + behindStart - unread, text + keptLength - unread, unread);
-        return behindStart - unread;
+    std::size_t BehindSection(std::string_view page, std::size_t behindStart) const {
+        if (m_endInsideStart != kNotFound) return behindStart; // at its end
+        std::size_t matched = m_endStateBehindStart;
+        return m_end.FindEnd(page, behindStart, matched);
     }
 
     FoldedPattern m_start;

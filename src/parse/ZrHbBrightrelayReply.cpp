@@ -113,6 +113,10 @@ CZrHbBrightrelayReply::~CZrHbBrightrelayReply() {
     DeleteImpl();
 }
 
+void CZrHbBrightrelayReply::DestroyImpl(CZrHbBrightrelayReply_Impl* pImpl) {
+    std::default_delete<CZrHbBrightrelayReply_Impl>()(pImpl);
+}
+
 int CZrHbBrightrelayReply::Init(const CString& strMessage) {
     return GetImpl() ? GetImpl()->Init(strMessage) : 0;
 }

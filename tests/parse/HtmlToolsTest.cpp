@@ -107,8 +107,10 @@ TEST(TheOnePass, GivesWhatTheRulesGiveOneByOne) {
 TEST(TheOnePass, JoinsWhatRemovedSectionsLeave) {
     std::mt19937 random(1);
     for (int round = 0; round < 60000; ++round) {
-        const auto alphabet = Characters(round % 2 ? "aAb" : "abBc");
-        const std::string start = RandomText(random, alphabet, 4);
+        auto alphabet = Characters(round % 2 ? "aAb" : "abBc");
+        const std::string start = RandomText(random, alphabet, round % 3 ? 4 : 8);
+        for (std::size_t begin = 0; begin < start.size(); begin += 2)
+            alphabet.push_back(start.substr(begin)); // what a removed beginning leaves
         const std::string end = RandomText(random, alphabet, 3);
         const std::string page = RandomText(random, alphabet, 24);
         ASSERT_EQ(RemoveSections(page, start, end), literal::RemoveSections(page, start, end))
@@ -127,6 +129,8 @@ TEST(TheOnePass, IsEnoughForBadPages) {
         PureText(Repeated("<script>", kMany) + "</script>b" + Repeated("</script>", kMany), false),
         "b\n");
     EXPECT_EQ(RemoveSections(Repeated("a", kMany), Repeated("a", 1000) + "b", "b").size(), kMany);
+    const std::string half = Repeated("b", kMany / 2);
+    EXPECT_EQ(RemoveSections(Repeated("a", kMany) + half, "a" + half, "a"), half);
     EXPECT_EQ(PureText(Repeated("<br> ", kMany) + "x" + Repeated("\r\1", kMany), false), "x\n");
     EXPECT_EQ(Decode(Repeated(" <br>", kMany) + Repeated("&#", kMany), true).size(), kMany);
     EXPECT_EQ(RemoveTags(Repeated("<", kMany)), std::string(kMany, ' '));
