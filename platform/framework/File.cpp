@@ -37,6 +37,7 @@ int SystemFlags(UINT nOpenFlags) {
     int flags = O_CLOEXEC | O_NOCTTY;
     flags |= nOpenFlags & (CFile::modeWrite | CFile::modeAppend) ? O_WRONLY : O_RDONLY;
     if (nOpenFlags & CFile::modeAppend) flags |= O_APPEND;
+    if (nOpenFlags & CFile::modeRegular) flags |= O_NONBLOCK; // means nothing to a regular file
     if (nOpenFlags & CFile::modeCreate) {
         flags |= O_CREAT;
         if (!(nOpenFlags & CFile::modeNoTruncate)) flags |= O_TRUNC;
@@ -64,7 +65,9 @@ void RestoreOwnerAccess(int descriptor, mode_t mode) {
 DWORD CheckOpened(int descriptor, UINT nOpenFlags) {
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0) return platform::ErrorFromErrno(errno);
-    if (S_ISDIR(status.st_mode)) return ERROR_ACCESS_DENIED;
+    const bool takesAny = !(nOpenFlags & CFile::modeRegular);
+    if (S_ISDIR(status.st_mode) || !(takesAny || S_ISREG(status.st_mode)))
+        return ERROR_ACCESS_DENIED;
     if ((nOpenFlags & CFile::modeCreate) && (nOpenFlags & CFile::modePrivate))
         RestoreOwnerAccess(descriptor, status.st_mode);
     return ERROR_SUCCESS;

@@ -1,50 +1,22 @@
 #include <platform/IniFile.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <limits>
-#include <mutex>
 #include <optional>
 #include <utility>
 
-#include <platform/Diagnostics.h>
 #include <platform/LastError.h>
 #include <platform/UserPaths.h>
 
 #include "system/IniDocument.h"
 #include "system/IniIndex.h"
-#include "system/WholeFile.h"
+#include "system/IniWriter.h"
 
 namespace platform {
 
 namespace {
-
-// No settings file comes near this; a bigger one is not taken into memory.
-constexpr std::size_t kLargestIniFile = std::size_t{16} * 1024 * 1024;
-
-// One writer of the process at a time, from reading the file to renaming the new one onto it.
-std::mutex& WriteLock() {
-    static std::mutex lock;
-    return lock;
-}
-
-bool IsMissing(int error) {
-    return error == ENOENT || error == ENOTDIR;
-}
-
-// 0 with the text; a missing file is an empty one. Anything else is reported.
-int ReadIniText(const CString& localName, std::string& text) {
-    const int error = ReadWholeFile(localName.GetString(), kLargestIniFile, text);
-    if (error == 0 || IsMissing(error)) return 0;
-    CString report;
-    report.Format("The settings file %s cannot be read and counts as missing: %s",
-                  localName.GetString(), std::strerror(error));
-    ReportDiagnostic(Severity::failure, report);
-    text.clear();
-    return error;
-}
 
 // Empty for a file that cannot be read.
 std::string TextOf(const char* fileName) {
@@ -62,15 +34,26 @@ const IniIndex* SnapshotOf(const char* fileName) {
     return isOfFile ? currentSnapshot : nullptr;
 }
 
+// What this thread changes in one go, and in which file; null for nothing.
+struct OpenUpdate {
+    std::string fileName;
+    IniWriter* writer = nullptr;
+};
+thread_local OpenUpdate currentUpdate;
+
+IniWriter* WriterOf(const char* fileName) {
+    return currentUpdate.fileName == fileName ? currentUpdate.writer : nullptr;
+}
+
 std::optional<std::string> ReadValue(const char* fileName, const char* section, const char* key) {
-    std::optional<std::string_view> value;
-    if (const IniIndex* snapshot = SnapshotOf(fileName)) {
-        value = snapshot->Find(section, key);
+    const auto copied = [](std::optional<std::string_view> value) {
         return value ? std::optional(std::string(*value)) : std::nullopt;
-    }
-    const IniDocument document(TextOf(fileName));
-    value = document.Find(section, key);
-    return value ? std::optional(std::string(*value)) : std::nullopt;
+    };
+    if (const IniIndex* snapshot = SnapshotOf(fileName))
+        return copied(snapshot->Find(section, key));
+    if (const IniWriter* writer = WriterOf(fileName))
+        return copied(writer->Document().Find(section, key));
+    return copied(IniDocument(TextOf(fileName)).Find(section, key));
 }
 
 // Each with its NUL.
@@ -82,47 +65,19 @@ std::string ReadSectionNames(const char* fileName) {
         return text;
     };
     if (const IniIndex* snapshot = SnapshotOf(fileName)) return joined(snapshot->SectionNames());
+    if (const IniWriter* writer = WriterOf(fileName))
+        return joined(writer->Document().SectionNames());
     const IniDocument document(TextOf(fileName));
     return joined(document.SectionNames());
 }
 
-bool HasLineEnd(std::string_view text) {
-    return text.find_first_of("\r\n") != text.npos;
-}
-
-// A name that would be read back as something else is refused, so that no caller's text can bring
-// in lines or sections of its own.
-bool AreWritable(std::string_view section, std::string_view key, std::string_view value) {
-    const std::string_view name = TrimIniBlanks(key);
-    if (HasLineEnd(section) || HasLineEnd(key) || HasLineEnd(value)) return false;
-    return !name.empty() && name.front() != ';' && name.front() != '[' &&
-           name.find('=') == std::string_view::npos;
-}
-
-DWORD RewriteDocument(const CString& localName, const char* section, const char* key,
-                      const char* value) {
-    const std::lock_guard guard(WriteLock());
-    std::string text;
-    if (const int error = ReadIniText(localName, text)) return ErrorFromErrno(error);
-    IniDocument document(std::move(text));
-    if (value) {
-        document.Set(section, key, value);
-    } else if (document.Find(section, key)) {
-        document.Remove(section, key);
-    } else {
-        return ERROR_SUCCESS; // nothing to remove
-    }
-    if (document.Text().size() > kLargestIniFile) return ErrorFromErrno(EFBIG);
-    const int error = ReplaceWholeFile(localName.GetString(), document.Text());
-    return error ? ErrorFromErrno(error) : ERROR_SUCCESS;
-}
-
 DWORD WriteEntry(const char* section, const char* key, const char* value, const char* fileName) {
-    if (!section || !key || !AreWritable(section, key, value ? value : ""))
-        return ERROR_INVALID_PARAMETER;
+    if (IniWriter* writer = WriterOf(fileName)) return writer->Set(section, key, value);
     CString localName;
     if (!LocalFileName(fileName, localName)) return GetLastError();
-    return RewriteDocument(localName, section, key, value);
+    IniWriter writer(localName);
+    const DWORD error = writer.Set(section, key, value);
+    return error ? error : writer.Commit();
 }
 
 // Numbers too large to hold become the largest one.
@@ -153,6 +108,23 @@ IniSnapshot::IniSnapshot(const CString& strFileName)
 
 IniSnapshot::~IniSnapshot() {
     currentSnapshot = m_outer;
+}
+
+IniUpdate::IniUpdate(const CString& strFileName) {
+    CString localName;
+    if (!LocalFileName(strFileName, localName)) return;
+    m_writer = std::make_unique<IniWriter>(localName);
+    currentUpdate = {strFileName.GetString(), m_writer.get()};
+}
+
+IniUpdate::~IniUpdate() {
+    currentUpdate = {};
+}
+
+BOOL IniUpdate::Commit() {
+    const DWORD error = m_writer ? m_writer->Commit() : ERROR_ACCESS_DENIED;
+    if (error != ERROR_SUCCESS) SetLastError(error);
+    return error == ERROR_SUCCESS;
 }
 
 } // namespace platform

@@ -9,7 +9,6 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include <platform/Clock.h>
 #include <platform/Diagnostics.h>
 #include <platform/LastError.h>
 #include <platform/UserPaths.h>
@@ -21,8 +20,6 @@ namespace platform {
 
 namespace {
 
-constexpr std::uint32_t kBusyTimeout = 2000; // milliseconds
-constexpr DWORD kLockPause = 10;             // milliseconds
 constexpr int kLargestAsideNumber = 9999;
 // The file may vanish or be found damaged between two steps, because another process puts it aside.
 constexpr int kAttempts = 4;
@@ -55,12 +52,10 @@ int MakeSureOfFile(const std::string& name) {
     return file.IsOpen() || errno == EEXIST ? 0 : errno;
 }
 
-bool LockForMoving(const OwnedDescriptor& file) {
-    const DWORD start = GetTickCount();
-    while (flock(file.Get(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK || GetTickCount() - start >= kBusyTimeout) return false;
-        Sleep(kLockPause);
-    }
+bool LockForMoving(const std::string& name, const OwnedDescriptor& file) {
+    FileWait wait(name);
+    while (flock(file.Get(), LOCK_EX | LOCK_NB) != 0)
+        if (errno != EWOULDBLOCK || !wait.GoesOn()) return false;
     return true;
 }
 
@@ -78,7 +73,7 @@ std::string LinkToFreeName(const std::string& name) {
 // lock: whoever holds it and still finds it under its name is the one to move it.
 void MoveAside(const std::string& name, const FileIdentity& damaged) {
     const OwnedDescriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file.IsOpen() || !LockForMoving(file) || IdentityOf(name) != damaged) return;
+    if (!file.IsOpen() || !LockForMoving(name, file) || IdentityOf(name) != damaged) return;
     const std::string aside = LinkToFreeName(name);
     if (aside.empty()) return;
     // Its journal must not be taken for the new file's.
@@ -104,13 +99,15 @@ DWORD ErrorFromSqlite(const SqliteError& error) {
 
 DWORD RunOnce(const std::string& name, RegistryAccess access,
               const std::function<DWORD(SqliteDatabase&)>& work) {
-    SqliteDatabase database(name, kBusyTimeout);
+    SqliteDatabase database(name);
     MakeSureOfRegistrySchema(database);
     SqliteTransaction transaction(database, access == RegistryAccess::write
                                                 ? SqliteTransaction::Kind::write
                                                 : SqliteTransaction::Kind::read);
     const DWORD result = work(database);
-    if (result == ERROR_SUCCESS) transaction.Commit();
+    if (result != ERROR_SUCCESS) return result;
+    transaction.Commit();
+    if (access == RegistryAccess::write) database.ForgetWaits();
     return result;
 }
 

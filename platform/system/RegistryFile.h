@@ -13,7 +13,8 @@ enum class RegistryAccess { read, write };
 
 // Opens the registry of the user as it is named now and runs `work` in one transaction, which is
 // committed when work returns ERROR_SUCCESS and undone otherwise. Returns work's result or the
-// error number of what went wrong, which is then reported.
+// error number of what went wrong, which is then reported: ERROR_BUSY for a file that another
+// process holds for a second, or did so a short while ago.
 //
 // A file that is damaged or no database at all is renamed to NAME.corrupt-N (nothing is
 // overwritten), a new one begun and the work run on that. Of several processes that find the damage

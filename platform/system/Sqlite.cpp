@@ -1,13 +1,10 @@
 #include "system/Sqlite.h"
 
-#include <platform/Clock.h>
-
 namespace platform {
 
 namespace {
 
 constexpr int kPrimaryCodeMask = 0xFF;
-constexpr DWORD kBusyPause = 10; // milliseconds between two looks at a locked file
 
 [[noreturn]] void Throw(sqlite3* connection, int result) {
     const int systemError = connection ? sqlite3_system_errno(connection) : 0;
@@ -65,8 +62,7 @@ std::string SqliteStatement::Bytes(int column) const {
     return {static_cast<const char*>(bytes), static_cast<std::size_t>(count)};
 }
 
-SqliteDatabase::SqliteDatabase(const std::string& fileName, std::uint32_t busyTimeout)
-    : m_busyTimeout(busyTimeout) {
+SqliteDatabase::SqliteDatabase(const std::string& fileName) : m_wait(fileName) {
     sqlite3* connection = nullptr;
     const int result = sqlite3_open_v2(fileName.c_str(), &connection,
                                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
@@ -75,13 +71,8 @@ SqliteDatabase::SqliteDatabase(const std::string& fileName, std::uint32_t busyTi
     sqlite3_busy_handler(connection, OnBusy, this);
 }
 
-int SqliteDatabase::OnBusy(void* database, int attempt) {
-    SqliteDatabase& self = *static_cast<SqliteDatabase*>(database);
-    const DWORD now = GetTickCount();
-    if (attempt == 0) self.m_busySince = now;
-    if (now - self.m_busySince >= self.m_busyTimeout) return 0;
-    Sleep(kBusyPause);
-    return 1;
+int SqliteDatabase::OnBusy(void* database, int /*attempt*/) {
+    return static_cast<SqliteDatabase*>(database)->m_wait.GoesOn() ? 1 : 0;
 }
 
 SqliteStatement SqliteDatabase::Prepare(std::string_view sql) {

@@ -8,6 +8,8 @@
 
 #include <sqlite3.h>
 
+#include "system/FileWait.h"
+
 namespace platform {
 
 // Thrown by everything below; stays inside the registry, which turns it into an error number.
@@ -40,9 +42,9 @@ private:
 
 class SqliteDatabase {
 public:
-    // Opens an existing file. Waits for other connections' locks at most busyTimeout milliseconds
-    // by the installed clock.
-    SqliteDatabase(const std::string& fileName, std::uint32_t busyTimeout);
+    // Opens an existing file. What other connections lock is waited for as FileWait has it, all
+    // statements together.
+    explicit SqliteDatabase(const std::string& fileName);
     SqliteDatabase(const SqliteDatabase&) = delete;
     SqliteDatabase& operator=(const SqliteDatabase&) = delete;
 
@@ -50,6 +52,8 @@ public:
     // Runs one statement without parameters.
     void Run(std::string_view sql);
     std::int64_t LastInsertedRow() const;
+    // A change has reached the file: nobody holds it.
+    void ForgetWaits() const { m_wait.Forget(); }
 
 private:
     struct Close {
@@ -57,9 +61,8 @@ private:
     };
     static int OnBusy(void* database, int attempt);
 
+    FileWait m_wait;
     std::unique_ptr<sqlite3, Close> m_connection;
-    std::uint32_t m_busyTimeout;
-    std::uint32_t m_busySince = 0;
 };
 
 // Undone at its end unless it was committed.

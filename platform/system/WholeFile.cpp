@@ -36,14 +36,6 @@ int ReadAtMost(int descriptor, std::size_t limit, std::string& content) {
     }
 }
 
-std::string WithoutLink(const std::string& name) {
-    struct Free {
-        void operator()(char* text) const { std::free(text); }
-    };
-    const std::unique_ptr<char, Free> real(realpath(name.c_str(), nullptr));
-    return real ? std::string(real.get()) : name;
-}
-
 int WriteAndFlush(OwnedDescriptor& file, std::string_view content) {
     if (const int error = WriteAll(file.Get(), content)) return error;
     if (fsync(file.Get()) != 0 || !file.Close()) return errno;
@@ -52,10 +44,8 @@ int WriteAndFlush(OwnedDescriptor& file, std::string_view content) {
 
 // So that the rename itself survives a crash; where a directory cannot be flushed it stands anyway.
 void FlushDirectoryOf(const std::string& name) {
-    const std::size_t slash = name.rfind('/');
-    const std::string directory =
-        slash == std::string::npos ? "." : name.substr(0, std::max<std::size_t>(slash, 1));
-    const OwnedDescriptor handle(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const OwnedDescriptor handle(
+        open(DirectoryOf(name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (handle.IsOpen()) fsync(handle.Get());
 }
 
@@ -84,6 +74,19 @@ int ReplaceWholeFile(const std::string& name, std::string_view content) {
     }
     FlushDirectoryOf(target);
     return 0;
+}
+
+std::string WithoutLink(const std::string& name) {
+    struct Free {
+        void operator()(char* text) const { std::free(text); }
+    };
+    const std::unique_ptr<char, Free> real(realpath(name.c_str(), nullptr));
+    return real ? std::string(real.get()) : name;
+}
+
+std::string DirectoryOf(const std::string& name) {
+    const std::size_t slash = name.rfind('/');
+    return slash == std::string::npos ? "." : name.substr(0, std::max<std::size_t>(slash, 1));
 }
 
 } // namespace platform

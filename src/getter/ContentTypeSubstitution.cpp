@@ -12,16 +12,23 @@ constexpr const char* kDatabase = "MIME\\Database\\Content Type\\";
 constexpr const char* kPlainText = "MIME\\Database\\Content Type\\text/plain";
 constexpr const char* kBackupSuffix = "-bak4httpget";
 
-bool KeyExists(const CString& strKey) {
+LONG FindKey(const CString& strKey) {
     HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, strKey, 0, KEY_READ, &key) != 0) return false;
-    RegCloseKey(key);
-    return true;
+    const LONG result = RegOpenKeyExA(HKEY_CLASSES_ROOT, strKey, 0, KEY_READ, &key);
+    if (result == 0) RegCloseKey(key);
+    return result;
 }
 
-bool CopyKey(const CString& strSource, const CString& strTarget) {
-    return CZrCbRegistry::RegCopyTree(HKEY_CLASSES_ROOT, strSource, HKEY_CLASSES_ROOT, strTarget) ==
-           0;
+LONG CopyKey(const CString& strSource, const CString& strTarget) {
+    return CZrCbRegistry::RegCopyTree(HKEY_CLASSES_ROOT, strSource, HKEY_CLASSES_ROOT, strTarget);
+}
+
+// Whether the type's own entry, if it has one, is in the backup now. It cannot be as long as
+// another process holds the registry.
+bool IsKept(const CString& strOwn, const CString& strBackup) {
+    LONG result = FindKey(strBackup);
+    if (result != 0 && result != LONG{ERROR_BUSY}) result = CopyKey(strOwn, strBackup);
+    return result != LONG{ERROR_BUSY};
 }
 
 void DeleteKey(const CString& strKey) {
@@ -35,10 +42,9 @@ void ContentTypeSubstitution::Substitute(const CString& strContentType) {
     // No type, and a key name that would mean other keys, up to the whole database.
     if (strContentType.IsEmpty() || strContentType.View().find('\\') != std::string_view::npos)
         return;
-    m_type = std::make_shared<CString>(strContentType);
     const CString own = kDatabase + strContentType;
-    const CString backup = own + kBackupSuffix;
-    if (!KeyExists(backup)) CopyKey(own, backup);
+    if (!IsKept(own, own + kBackupSuffix)) return;
+    m_type = std::make_shared<CString>(strContentType);
     DeleteKey(own);
     CopyKey(kPlainText, own);
 }
@@ -48,5 +54,5 @@ void ContentTypeSubstitution::Restore() {
     const CString own = kDatabase + std::exchange(*m_type, CString());
     const CString backup = own + kBackupSuffix;
     DeleteKey(own);
-    if (CopyKey(backup, own)) DeleteKey(backup);
+    if (CopyKey(backup, own) == 0) DeleteKey(backup);
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <ZrHbResultCodes.h>
+#include <platform/File.h>
 #include <platform/IniFile.h>
 #include <platform/Time.h>
 
@@ -12,7 +13,20 @@
 
 namespace {
 
+constexpr const char* kPage = "_Page.html";
+constexpr const char* kError = "_ErrMsg.txt";
 const auto processStart = std::chrono::steady_clock::now();
+
+CString ResultFile(const CString& strSection, const char* pszSuffix) {
+    return CString(TrafficFiles::kDirectory) + "\\" + strSection + pszSuffix;
+}
+
+// By this process or another one.
+bool IsTaken(const CString& strSection) {
+    char value[2]; // begins with a brace
+    GetPrivateProfileStringA(strSection, "URL", "", value, sizeof value, TrafficFiles::kRecord);
+    return value[0] != '\0' || CFile::Exists(ResultFile(strSection, kPage));
+}
 
 void WriteValue(const CString& strSection, const char* pszKey, const CString& strText) {
     const CString value = "{" + TrafficFiles::OnOneLine(strText) + "}";
@@ -33,24 +47,28 @@ void TrafficRecord::Drop() {
     m_section.Empty();
 }
 
-// The tick counts the milliseconds of the process; two requests within one get different ones.
+// The tick counts the milliseconds of the process; two requests within one get different ones, and
+// so do those of two processes.
 CString TrafficRecord::NewSectionName() {
     using namespace std::chrono;
     const long long tick = duration_cast<milliseconds>(steady_clock::now() - processStart).count();
     m_lastTick = std::max(tick, m_lastTick + 1);
-    CString name;
-    name.Format("%s%lld", CTime::GetCurrentTime().FormatGmt("%Y.%d.%m %H.%M.%S ").GetString(),
-                m_lastTick);
-    return name;
+    const CString time = CTime::GetCurrentTime().FormatGmt("%Y.%d.%m %H.%M.%S ");
+    for (CString name;; ++m_lastTick) {
+        name.Format("%s%lld", time.GetString(), m_lastTick);
+        if (!IsTaken(name)) return name;
+    }
 }
 
 void TrafficRecord::Begin(const TrafficRequest& request) {
+    platform::IniUpdate record(TrafficFiles::kRecord); // from choosing the name to writing it
     CString section;
     {
         const std::lock_guard lock(m_mutex);
         section = NewSectionName();
     }
     WriteRequest(section, request);
+    record.Commit();
     const std::lock_guard lock(m_mutex);
     m_section = section;
 }
@@ -66,7 +84,6 @@ void TrafficRecord::End(DWORD nCode, const CString& page, const CString& strErr)
     CString code;
     code.Format("%u", nCode);
     WritePrivateProfileStringA(section, "RetCode", code, TrafficFiles::kRecord);
-    const CString files = CString(TrafficFiles::kDirectory) + "\\" + section;
-    TrafficFiles::WriteTextFile(page, files + "_Page.html");
-    TrafficFiles::WriteTextFile(strErr, files + "_ErrMsg.txt");
+    TrafficFiles::WriteTextFile(page, ResultFile(section, kPage));
+    TrafficFiles::WriteTextFile(strErr, ResultFile(section, kError));
 }

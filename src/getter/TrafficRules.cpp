@@ -64,9 +64,11 @@ std::optional<CString> FindPage(const CString& strUrl, const CString& strPostTex
 void WriteUnanswered(const CString& strUrl, const CString& strPostText) {
     CString strPostData = strPostText;
     strPostData.Replace("\n", "");
+    platform::IniUpdate rules(TrafficFiles::kRules);
     WriteRule("URL", strUrl);
     WriteRule("PostData", strPostData);
     WriteRule("SimPage", CString(TrafficFiles::kDirectory) + "\\...");
+    rules.Commit();
 }
 
 int ReadSectionNames(CStringArray& names, const char* pszFileName) {

@@ -32,7 +32,7 @@ void LogFile::RotateFor(const CString& strFileName, std::string_view line) {
     std::uint64_t length = 0;
     {
         CFile file;
-        if (!file.Open(strFileName, CFile::modeRead)) return;
+        if (!file.Open(strFileName, CFile::modeRead | CFile::modeRegular)) return;
         length = file.GetLength();
     }
     if (length > 0 && length + line.size() > kLargestLog)
@@ -52,7 +52,7 @@ bool LogFile::Append(std::string_view line) {
     return Succeeds([&] {
         CFile file;
         if (!file.Open(fileName, CFile::modeWrite | CFile::modeCreate | CFile::modeNoTruncate |
-                                     CFile::modePrivate | CFile::modeAppend))
+                                     CFile::modePrivate | CFile::modeAppend | CFile::modeRegular))
             return false;
         file.Write(line.data(), static_cast<UINT>(line.size()));
         file.Close();

@@ -13,7 +13,8 @@ public:
     static LogFile& Instance();
 
     // Appends a line with one write. A file that would grow beyond 1 MiB becomes zrhttpbase3.log.1
-    // first. False when the line could not be written. Any thread.
+    // first. False when the line could not be written; a pipe or a device under the file's name is
+    // not written to, since nobody may ever read there. Any thread.
     bool Append(std::string_view line);
 
 private:

@@ -2,11 +2,14 @@
 
 #include <filesystem>
 #include <functional>
+#include <regex>
 #include <set>
 #include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <platform/Prompt.h>
 #include <platform/Services.h>
@@ -220,6 +223,31 @@ TEST_F(Traffic, EveryRequestDropsTheOneThatWaitsAndHasASectionOfItsOwn) {
         Result(0);
     }
     EXPECT_EQ(ResultFiles().size(), 40u);
+}
+
+// Forked, they count the same ticks.
+TEST_F(Traffic, ProcessesThatRecordAtTheSameMomentLoseNothing) {
+    constexpr int kProcesses = 20;
+    std::vector<pid_t> children;
+    for (int process = 0; process < kProcesses; ++process) {
+        children.push_back(fork());
+        if (children.back() != 0) continue;
+        Prepare("SAVE:http://h/" + std::to_string(process));
+        Result(0);
+        _exit(0);
+    }
+    for (const pid_t child : children)
+        waitpid(child, nullptr, 0);
+    const std::string record = File("Saved.ini");
+    for (int process = 0; process < kProcesses; ++process)
+        EXPECT_THAT(record, HasSubstr("URL={http://h/" + std::to_string(process) + "}"));
+    CStringArray names;
+    EXPECT_EQ(TrafficRules::ReadSectionNames(names, home.Path(folder + "Saved.ini").c_str()),
+              kProcesses);
+    const std::regex result("RetCode=0");
+    EXPECT_EQ(std::distance(std::sregex_iterator(record.begin(), record.end(), result), {}),
+              kProcesses);
+    EXPECT_EQ(ResultFiles().size(), 2u * kProcesses);
 }
 
 TEST_F(Traffic, WithoutTheDirectoryNothingIsWritten) {

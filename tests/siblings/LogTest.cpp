@@ -7,8 +7,11 @@
 #include <regex>
 #include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <platform/LastError.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "siblings/LogLine.h"
 #include "siblings/SecretMask.h"
@@ -93,6 +96,18 @@ TEST_F(ErrorFileTest, OneThatCannotBeWrittenChangesNothing) {
     std::filesystem::rename(home.Path(kLog), home.Path("log/zrhttpbase3.log.1"));
     home.WriteFile(kLog, std::string(kLimit, '.')); // cannot be put aside
     EXPECT_EQ(Log("x"), 1);
+
+    const std::string log = home.Path(kLog);
+    std::filesystem::remove(log);
+    ASSERT_EQ(mkfifo(log.c_str(), 0600), 0);
+    EXPECT_EQ(Log("x"), 0) << "a pipe that nobody reads";
+    const int reader = open(log.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_EQ(Log(CString(std::string(kLimit, 'x'))), 0) << "a pipe whose reader has stopped";
+    close(reader);
+    std::filesystem::remove(log);
+    std::filesystem::create_symlink("/dev/full", log);
+    EXPECT_EQ(Log("x"), 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(log));
 }
 
 TEST(SecretMask, HidesUserInformationAndSecretFields) {

@@ -19,6 +19,9 @@ public:
         // What the host platform says with a file's access list:
         modePrivate = 0x10000, // a new file belongs to the user alone (mode 0600)
         modeAppend = 0x20000,  // every write goes to the end, also beside other writers
+        // An existing pipe, device or socket is refused (ERROR_ACCESS_DENIED), so that neither
+        // opening nor writing waits for somebody at its other end.
+        modeRegular = 0x40000,
     };
 
     CFile() = default;

@@ -10,7 +10,8 @@
 
 namespace platform {
 class IniIndex;
-}
+class IniWriter;
+} // namespace platform
 
 ZRHB_EXPORT_BEGIN
 
@@ -30,7 +31,9 @@ DWORD GetPrivateProfileSectionNamesA(char* pszBuffer, DWORD nSize, const char* p
 
 // Sets a value; creates file and section. Other lines, comments included, stay as they are. The
 // file is replaced as a whole (written beside it, then renamed) and is made with mode 0600. A null
-// value removes the key. FALSE on failure, with GetLastError(); the old file then stands.
+// value removes the key. Threads and processes that write the same file do so one after the other;
+// one that keeps it locked without changing it is waited for for a second. FALSE on failure, with
+// GetLastError() (ERROR_BUSY after such a wait, which is reported); the old file then stands.
 BOOL WritePrivateProfileStringA(const char* pszSection, const char* pszKey, const char* pszValue,
                                 const char* pszFileName);
 
@@ -49,6 +52,23 @@ public:
 private:
     std::unique_ptr<const IniIndex> m_index;
     const IniIndex* m_outer;
+};
+
+// While it lives, nobody else writes into this file, or into others of its directory; what its
+// thread writes into it is read back by this thread, and reaches the file with Commit(): all of it
+// or nothing. One at a time on a thread.
+class IniUpdate {
+public:
+    explicit IniUpdate(const CString& strFileName);
+    ~IniUpdate();
+    IniUpdate(const IniUpdate&) = delete;
+    IniUpdate& operator=(const IniUpdate&) = delete;
+
+    // As WritePrivateProfileStringA, whose results before it tell what was taken.
+    BOOL Commit();
+
+private:
+    std::unique_ptr<IniWriter> m_writer; // null for a name that is no file's
 };
 
 } // namespace platform

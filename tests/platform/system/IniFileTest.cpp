@@ -1,16 +1,21 @@
 #include <platform/IniFile.h>
 
+#include <chrono>
 #include <filesystem>
 #include <map>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <platform/LastError.h>
-#include <sys/stat.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include "support/DiagnosticRecorder.h"
+#include "support/ManualClock.h"
 #include "support/TemporaryHome.h"
 #include "system/IniDocument.h"
 
@@ -31,8 +36,10 @@ protected:
     BOOL Set(const char* section, const char* key, const char* value) const {
         return WritePrivateProfileStringA(section, key, value, file.c_str());
     }
-    void Content(std::string_view text) const { home.WriteFile("a.ini", text); }
-    std::string Content() const { return home.ReadFile("a.ini").value_or("<no file>"); }
+    void Fill(std::string_view text) const { home.WriteFile("a.ini", text); }
+    std::string Content(const char* name = "a.ini") const {
+        return home.ReadFile(name).value_or("<no file>");
+    }
     auto FilesInHome() const {
         return std::distance(std::filesystem::directory_iterator(home.Path()), {});
     }
@@ -42,9 +49,9 @@ protected:
 };
 
 TEST_F(IniFileTest, FindsTheFirstMatchAndStripsBlanksAndOnePairOfQuotes) {
-    Content("stray=0\n  [ S ]  ; note\n \tdouble \t= \" a \" \nsingle='b'\nDOUBLE=2\nmixed='c\"\n"
-            "twice=\"\"d\"\"\nlone=\"\nempty=\n;hidden=1\n  ; hidden = 2\nequals=a=b\nno entry\n"
-            "semi=x;y\n[Two]\nkey=3\n[s]\nlate=5\n");
+    Fill("stray=0\n  [ S ]  ; note\n \tdouble \t= \" a \" \nsingle='b'\nDOUBLE=2\nmixed='c\"\n"
+         "twice=\"\"d\"\"\nlone=\"\nempty=\n;hidden=1\n  ; hidden = 2\nequals=a=b\nno entry\n"
+         "semi=x;y\n[Two]\nkey=3\n[s]\nlate=5\n");
     const std::map<std::string, std::string> expected = {
         {"Double", " a "}, {"single", "b"},   {"mixed", "'c\""}, {"twice", "\"d\""},
         {"lone", "\""},    {"empty", ""},     {"hidden", "-"},   {"equals", "a=b"},
@@ -55,7 +62,7 @@ TEST_F(IniFileTest, FindsTheFirstMatchAndStripsBlanksAndOnePairOfQuotes) {
     EXPECT_EQ(Get("", "stray"), "-");
 
     const platform::IniSnapshot snapshot(file.c_str());
-    Content("[two]\nkey=changed\n");
+    Fill("[two]\nkey=changed\n");
     for (const auto& [key, value] : expected)
         EXPECT_EQ(Get("S", key.c_str()), value) << "from the snapshot: " << key;
     EXPECT_EQ(Get(" two", "KEY "), "3");
@@ -64,15 +71,15 @@ TEST_F(IniFileTest, FindsTheFirstMatchAndStripsBlanksAndOnePairOfQuotes) {
 
 TEST_F(IniFileTest, ToleratesForeignLineEndsMarksAndBytes) {
     for (const std::string end : {"\n", "\r", "\r\n"}) {
-        Content("\xEF\xBB\xBF[S]" + end + "a=1" + end + end + "b=2");
+        Fill("\xEF\xBB\xBF[S]" + end + "a=1" + end + end + "b=2");
         EXPECT_EQ(Get("S", "a") + Get("S", "b"), "12");
     }
-    Content("[S]\0x\na=1\0hidden\n\0b=2\nc=3\n[open\n]\n=\n"sv);
+    Fill("[S]\0x\na=1\0hidden\n\0b=2\nc=3\n[open\n]\n=\n"sv);
     EXPECT_EQ(Get("S", "a") + Get("S", "b") + Get("S", "c"), "1-3");
 }
 
 TEST_F(IniFileTest, ReadsTheLeadingNumber) {
-    Content("[N]\na=250ms\nb=-3\nc=x1\ne=99999999999\nh=-99999999999999999999\n");
+    Fill("[N]\na=250ms\nb=-3\nc=x1\ne=99999999999\nh=-99999999999999999999\n");
     const std::map<std::string, UINT> expected = {{"a", 250},         {"b", static_cast<UINT>(-3)},
                                                   {"c", 0},           {"e", 0xFFFFFFFFu},
                                                   {"h", 0x80000000u}, {"absent", 1000}};
@@ -81,7 +88,7 @@ TEST_F(IniFileTest, ReadsTheLeadingNumber) {
 }
 
 TEST_F(IniFileTest, CutsWhatDoesNotFit) {
-    Content("[S]\na=12345\n[Third]\n");
+    Fill("[S]\na=12345\n[Third]\n");
     EXPECT_EQ(Get("S", "a", "", 6), "12345");
     EXPECT_EQ(Get("S", "a", "", 5), "1234");
     EXPECT_EQ(Get("S", "x", "default", 4), "def");
@@ -95,7 +102,7 @@ TEST_F(IniFileTest, CutsWhatDoesNotFit) {
 }
 
 TEST_F(IniFileTest, WritingKeepsEverythingElse) {
-    Content("\xEF\xBB\xBF; head\r\n[A]\r\nx = 1\r\n; note\r\nX=2\r\n\r\n[B]\r\ny=3");
+    Fill("\xEF\xBB\xBF; head\r\n[A]\r\nx = 1\r\n; note\r\nX=2\r\n\r\n[B]\r\ny=3");
     const char* const kWrites[][3] = {{"a", "X", "new"},   {"A", "added", " v "},
                                       {"B", "z", "4"},     {"C", "k", ""},
                                       {"B", "Y", nullptr}, {"B", "no", nullptr}};
@@ -118,7 +125,7 @@ TEST_F(IniFileTest, ANewFileIsPrivateAndALinkStaysOne) {
 }
 
 TEST_F(IniFileTest, ARefusedOrFailedWriteLeavesEverythingAsItWas) {
-    Content("[S]\nk=v\n");
+    Fill("[S]\nk=v\n");
     // Texts that would read back as something else.
     const char* const kBad[][3] = {{"S\n[T]", "k", "v"}, {"S", "k\nx", "v"}, {"S", "k", "v\r[T]"},
                                    {"S", "[T]", "v"},    {"S", ";k", "v"},   {"S", "a=b", "v"}};
@@ -136,6 +143,50 @@ TEST_F(IniFileTest, ARefusedOrFailedWriteLeavesEverythingAsItWas) {
     EXPECT_EQ(FilesInHome(), 1);
 }
 
+TEST_F(IniFileTest, AnUpdateIsReadBackAtOnceAndWrittenAsAWholeOrNotAtAll) {
+    Fill("[S]\nk=v\n");
+    for (const bool isCommitted : {false, true}) {
+        platform::IniUpdate update(file.c_str());
+        EXPECT_TRUE(Set("S", "k", nullptr));
+        EXPECT_TRUE(Set("T", "n", "1"));
+        EXPECT_EQ(Get("S", "k") + Get("T", "n"), "-1");
+        EXPECT_TRUE(!isCommitted || update.Commit());
+        EXPECT_EQ(Content(), isCommitted ? "[S]\n[T]\nn=1\n" : "[S]\nk=v\n");
+    }
+}
+
+TEST_F(IniFileTest, ALockThatIsHeldForEverIsReportedAfterASecondAndOneThatMovesOnIsNot) {
+    Fill("[S]\nk=v\n");
+    const test_support::DiagnosticRecorder recorder;
+    const int other = open(home.Path().c_str(), O_RDONLY);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    test_support::ManualClock clock;
+    {
+        const platform::ScopedService<platform::Clock> installed(clock);
+        for (int call = 0; call < 3; ++call) {
+            EXPECT_FALSE(Set("S", "k", "w"));
+            EXPECT_EQ(GetLastError(), ERROR_BUSY);
+        }
+    }
+    EXPECT_LE(clock.TickCount(), 1000u);
+    EXPECT_EQ(recorder.Failures().size(), 3u);
+    EXPECT_EQ(Content() + Get("S", "k"), "[S]\nk=v\nv");
+    // Its holder goes on changing another file of the directory for longer than that.
+    file = home.Path("b.ini");
+    std::jthread holder([&] {
+        for (int change = 0; change < 6; ++change) {
+            home.WriteFile("b.ini", "[S]\nn=" + std::to_string(change) + "\n");
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        }
+        flock(other, LOCK_UN);
+    });
+    EXPECT_TRUE(Set("S", "k", "w"));
+    holder.join();
+    close(other);
+    EXPECT_EQ(Content("b.ini"), "[S]\nn=5\nk=w\n");
+    EXPECT_EQ(FilesInHome(), 2);
+}
+
 TEST_F(IniFileTest, AnUnreadableFileCountsAsMissingAndIsReportedButNeverReplaced) {
     const test_support::DiagnosticRecorder recorder;
     EXPECT_EQ(Get("S", "k"), "-");
@@ -148,7 +199,7 @@ TEST_F(IniFileTest, AnUnreadableFileCountsAsMissingAndIsReportedButNeverReplaced
 
     constexpr std::uintmax_t kLargest = 16u * 1024 * 1024;
     std::filesystem::remove(file);
-    Content("[S]\nk=v\n");
+    Fill("[S]\nk=v\n");
     std::filesystem::resize_file(file, kLargest);
     EXPECT_EQ(Get("S", "k"), "v");
     std::filesystem::resize_file(file, kLargest + 1);
