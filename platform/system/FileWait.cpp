@@ -11,7 +11,7 @@ namespace platform {
 namespace {
 
 // All in milliseconds.
-constexpr DWORD kPatience = 900;
+constexpr DWORD kFullPatience = 900;
 constexpr DWORD kPatienceWithHeld = 10;
 constexpr DWORD kRemembered = 10'000;
 constexpr DWORD kLongest = 30'000; // also while others get on
@@ -62,7 +62,7 @@ bool IsSame(const struct stat& a, const struct stat& b) {
 
 FileWait::FileWait(std::string name)
     : m_name(std::move(name)),
-      m_patience(HeldFiles::Instance().Has(m_name) ? kPatienceWithHeld : kPatience) {}
+      m_patience(HeldFiles::Instance().Has(m_name) ? kPatienceWithHeld : kFullPatience) {}
 
 bool FileWait::GoesOn() {
     const struct stat status = StatusOf(m_name);

@@ -3,9 +3,8 @@
 #include <cstdio>
 
 #include <platform/CodePage.h>
+#include <platform/Secrets.h>
 #include <platform/Time.h>
-
-#include "siblings/SecretMask.h"
 
 namespace {
 
@@ -40,7 +39,7 @@ std::string_view BaseName(std::string_view file) {
 
 // Cut after masking, so that no secret loses the part by which it is known.
 std::string LoggableText(std::string_view text) {
-    std::string masked = MaskSecrets(text);
+    std::string masked = platform::MaskSecrets(text);
     if (masked.size() > kLongestText) {
         masked.resize(kLongestText);
         masked += "...";

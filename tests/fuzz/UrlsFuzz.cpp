@@ -3,12 +3,11 @@
 #include <string>
 
 #include <platform/CodePage.h>
-#include <platform/Diagnostics.h>
+#include <platform/Secrets.h>
 #include <platform/Url.h>
 
 #include "Check.h"
 #include "browser/common/PageUrl.h"
-#include "siblings/SecretMask.h"
 
 namespace {
 
@@ -44,6 +43,24 @@ void CheckReference(std::string_view text) {
     Check(ResolveReference("http://other/", *url) == url);
 }
 
+std::string Percent(std::string_view text) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char ch : text) {
+        const auto byte = static_cast<unsigned char>(ch);
+        encoded += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+    return encoded;
+}
+
+// Whatever it is, encoded as it should be it stays within the mask, and so it does in a nested URL.
+void CheckSecret(std::string_view secret) {
+    const std::string url = "//" + Percent(secret) + "@host/?pin=" + Percent(secret) + "&a=1";
+    Check(MaskSecrets(url) == "//***@host/?pin=***&a=1");
+    Check(MaskSecrets("u=" + Percent(url) + "&b=2") ==
+          "u=" + Percent("//") + "***" + Percent("@host/?pin=") + "***" + Percent("&a=1") + "&b=2");
+}
+
 void CheckLogged(std::string_view text) {
     const CString logged = UrlForLog(text);
     Check(logged.View().find('#') == std::string_view::npos);
@@ -72,6 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckTyped(text);
     CheckReference(text);
     CheckLogged(text);
+    CheckSecret(text);
     CheckParts(text.substr(0, text.find('\0')));
     return 0;
 }

@@ -75,11 +75,13 @@ std::string Base64Core(const std::string& text, std::size_t offset) {
     return Base64(std::string(offset, 'x') + text).substr((offset * 8 + 5) / 6);
 }
 
-// The secrets that a text holds, as they are, percent-encoded or in base64.
+// The secrets that a text holds, as they are, percent-encoded (once or twice) or in base64.
 std::vector<std::string> Canaries(const std::string& text) {
     const std::string decoded = PercentDecoded(text);
-    const auto isInside = [&](const std::string& form) {
-        return text.find(form) != std::string::npos || decoded.find(form) != std::string::npos;
+    const std::string forms[] = {text, decoded, PercentDecoded(decoded)};
+    const auto isInside = [&](const std::string& secret) {
+        return std::ranges::any_of(
+            forms, [&](const std::string& form) { return form.find(secret) != form.npos; });
     };
     std::vector<std::string> found;
     for (const std::string& secret : {kPassword, kPin, kCookie, kField})
@@ -145,10 +147,14 @@ protected:
                 found.push_back("the command line of " + process.name + ": " + secret);
         EXPECT_THAT(found, IsEmpty());
     }
-    // A URL with credentials and a PIN; the path begins with a slash.
+    // A URL with credentials and a PIN, and another one in its query; the path begins with a slash.
     std::string Url(const std::string& path, int port) const {
-        return "http://me:" + Percent(kPassword) + "@127.0.0.1:" + std::to_string(port) + path +
-               "?userPin=" + Percent(kPin);
+        const auto secret = [&](const std::string& host, const std::string& name) {
+            return "http://me:" + Percent(kPassword) + "@" + host + path + "?" + name + "=" +
+                   Percent(kPin);
+        };
+        return secret("127.0.0.1:" + std::to_string(port), "userPin") +
+               "&next=" + Percent(secret("h", "a=1;pushtan"));
     }
     std::string Log() const { return m_home.ReadFile("log/zrhttpbase3.log").value_or(""); }
 
@@ -195,7 +201,7 @@ TEST_P(Canary, InPagesAndForms) {
     for (const ReceivedRequest& request : m_server.Requests("/page")) { // what is searched for
         EXPECT_EQ(Canaries(request.body).size(), 2u) << request.body;
         EXPECT_EQ(Canaries(request.Header("X-Token")).size(), 1u);
-        EXPECT_EQ(Canaries(request.target).size(), 1u) << request.target;
+        EXPECT_EQ(Canaries(request.target).size(), 2u) << request.target;
     }
     EXPECT_THAT(Log(), HasSubstr("***@127.0.0.1"));
 }
@@ -223,6 +229,11 @@ TEST_P(Canary, InTheToolsMessages) {
          "http://127.0.0.1:1/"},
         {"form", "--secret", "pin=@" + m_home.Path("pin"), "--as", "multipart", "--masked"},
         {"form", "--secret", "pin=@" + m_home.Path("pin"), "--as", "nothing"},
+        {"fetch", "--post", "x", "--header", "X-Pin " + kPin, "--header", kPin + ":1", "x:"},
+        {"fetch", "x:", kPassword},
+        {"fetch", "--save", m_home.Path(Url("/no", 1)), Url("/none", 1)},
+        {"fetch", "--via", "application", "SIM:" + Url("/page", m_server.Port())},
+        {"download", "--json", Url("/page", 1), m_home.Path("file")},
         {"reply", m_home.Path("data")}};
     for (const auto& arguments : runs) {
         const ToolRun run = RunTool(arguments);

@@ -5,6 +5,7 @@
 #include <ZrHbInet.h>
 #include <nlohmann/json.hpp>
 #include <platform/CodePage.h>
+#include <platform/Secrets.h>
 
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/Commands.h"
@@ -17,7 +18,7 @@ namespace zrhttp {
 namespace {
 
 void PrintJson(const DownloadOptions& options, const DownloadResult& result) {
-    const nlohmann::ordered_json json{{"url", options.url},
+    const nlohmann::ordered_json json{{"url", platform::MaskSecrets(options.url)},
                                       {"file", options.file},
                                       {"complete", result.end == DownloadEnd::complete},
                                       {"stopped", result.end == DownloadEnd::stopped},

@@ -24,8 +24,8 @@ CString JoinedHeaders(const FetchOptions& options) {
     CString joined;
     if (std::none_of(options.headers.begin(), options.headers.end(), NamesContentType))
         joined = kFormContentType;
-    for (const std::string& header : options.headers) {
-        const CString line = CheckedHeaderLine("--header", header);
+    for (std::size_t index = 0; index < options.headers.size(); ++index) {
+        const CString line = CheckedHeaderLine("--header", options.headers, index);
         if (!joined.IsEmpty()) joined += "\r\n";
         joined += line;
     }

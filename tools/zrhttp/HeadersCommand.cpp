@@ -22,7 +22,8 @@ struct HeadersOptions {
 CStringArray CheckedOrder(const std::vector<std::string>& names) {
     CStringArray order;
     for (const std::string& name : names) {
-        if (!IsToken(name)) throw UsageError("--order: '" + name + "' is no header name");
+        if (!IsToken(name))
+            throw UsageError("--order: expected the name of a header, without its value");
         order.Add(CString(name.c_str()));
     }
     return order;
@@ -34,9 +35,13 @@ void RunHeaders(const HeadersOptions& options) {
     headers.SetHeaderOrder(CheckedOrder(options.order));
     const auto handling = options.keepsExisting ? CZrHbHttpHeaders::eAddHandling_KeepExisting
                                                 : CZrHbHttpHeaders::eAddHandling_Replace;
-    for (const std::string& line : options.lines)
-        if (!headers.AddHeaders(CheckedHeaderLine("--add", line), handling))
-            throw UsageError("--add: '" + line.substr(0, line.find(':')) + "': has no value");
+    for (std::size_t index = 0; index < options.lines.size(); ++index) {
+        const CString line = CheckedHeaderLine("--add", options.lines, index);
+        if (!headers.AddHeaders(line, handling))
+            throw UsageError("--add: '" +
+                             std::string(line.View().substr(0, line.View().find(':'))) +
+                             "': has no value");
+    }
     HandOutBytes(headers.GetHeaders().View(), options.output);
 }
 

@@ -23,10 +23,14 @@ bool HasControls(std::string_view text) {
     return std::any_of(text.begin(), text.end(), IsControl);
 }
 
-CString CheckedHeaderLine(const std::string& argument, const std::string& line) {
+CString CheckedHeaderLine(const std::string& argument, const std::vector<std::string>& lines,
+                          std::size_t index) {
+    const std::string& line = lines[index];
     const std::string name = line.substr(0, line.find(':'));
+    // What is no name may be a value, which no message shows.
     if (name.size() == line.size() || !IsToken(name))
-        throw UsageError(argument + ": '" + name + "': expected \"Name: value\"");
+        throw UsageError(argument + " number " + std::to_string(index + 1) +
+                         ": expected \"Name: value\"");
     if (std::any_of(line.begin(), line.end(), [](char ch) { return IsControl(ch) && ch != '\t'; }))
         throw UsageError(argument + ": '" + name +
                          "': contains a line break or another control character");

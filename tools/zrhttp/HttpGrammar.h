@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <platform/String.h>
 
@@ -15,8 +16,9 @@ bool IsControl(char ch);
 // Also UTF-8 text can be asked: its other bytes are no controls.
 bool HasControls(std::string_view text);
 
-// A header line in the ANSI code page. Throws UsageError, naming the argument and the header, but
-// never the value.
-CString CheckedHeaderLine(const std::string& argument, const std::string& line);
+// One of the argument's header lines in the ANSI code page. Throws UsageError, naming the argument
+// and the header or, when there is none, the place of the line, but never the value.
+CString CheckedHeaderLine(const std::string& argument, const std::vector<std::string>& lines,
+                          std::size_t index);
 
 } // namespace zrhttp

@@ -5,8 +5,8 @@
 
 #include <ZrHbUHttpGet.h>
 #include <platform/CodePage.h>
-#include <platform/Diagnostics.h>
 #include <platform/File.h>
+#include <platform/Secrets.h>
 #include <platform/Window.h>
 
 #include "zrhttp/CharacterSets.h"
@@ -31,8 +31,10 @@ public:
         m_collector.reset();
         m_getter.Close();
         m_getter.Disconnect(0);
-        m_result.error = m_result.code == ZRHB_STOPPED ? "Stopped by an interrupt."
-                                                       : TextFromBytes(ErrorText().View());
+        // The getter names the URL as it was given.
+        m_result.error = m_result.code == ZRHB_STOPPED
+                             ? "Stopped by an interrupt."
+                             : platform::MaskSecrets(TextFromBytes(m_error.View()));
         return std::move(m_result);
     }
 
@@ -131,14 +133,6 @@ private:
         return code;
     }
 
-    // The getter names the URL as it was given; a password in it is not for a terminal or a file.
-    CString ErrorText() const {
-        CString text = m_error;
-        if (m_request.url.Find('@') >= 0)
-            text.Replace(m_request.url, platform::UrlForLog(m_request.url.View()));
-        return text;
-    }
-
     // What only the browser knows, before it is let go.
     void AskBrowser() {
         CZrHbUHttpGet::HandleWinMessageQueue();
@@ -147,7 +141,7 @@ private:
         if (!browser) return;
         CComBSTR status;
         if (SUCCEEDED(browser->get_StatusText(&status)))
-            m_result.status = platform::Utf8FromWide(status.View());
+            m_result.status = platform::MaskSecrets(platform::Utf8FromWide(status.View()));
         CComBSTR location;
         if (m_result.url.empty() && SUCCEEDED(browser->get_LocationURL(&location)))
             m_result.url = platform::Utf8FromWide(location.View());

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <platform/Secrets.h>
 #include <unistd.h>
 
 #include "zrhttp/CharacterSets.h"
@@ -21,6 +22,10 @@ bool HasColours() {
            std::strcmp(terminal, "dumb") != 0;
 }
 
+std::string MessageLine(std::string_view utf8) {
+    return PrintableLine(platform::MaskSecrets(utf8));
+}
+
 } // namespace
 
 bool IsTerminal(int descriptor) {
@@ -29,11 +34,11 @@ bool IsTerminal(int descriptor) {
 
 void PrintError(std::string_view utf8) {
     const char* name = HasColours() ? "\033[31mzrhttp:\033[0m" : "zrhttp:";
-    std::fprintf(stderr, "%s %s\n", name, PrintableLine(utf8).c_str());
+    std::fprintf(stderr, "%s %s\n", name, MessageLine(utf8).c_str());
 }
 
 void PrintNote(std::string_view utf8) {
-    std::fprintf(stderr, "%s\n", PrintableLine(utf8).c_str());
+    std::fprintf(stderr, "%s\n", MessageLine(utf8).c_str());
 }
 
 void WriteOutput(std::string_view bytes) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <platform/Diagnostics.h>
+#include <platform/Secrets.h>
 
 #include "browser/builtin/BuiltinBrowser.h"
 #include "browser/builtin/Limits.h"

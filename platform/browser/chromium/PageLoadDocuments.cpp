@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include <platform/Diagnostics.h>
+#include <platform/Secrets.h>
 
 #include "browser/chromium/ChromiumBrowser.h"
 #include "browser/chromium/ChromiumPage.h"

@@ -1,9 +1,7 @@
 // What the platform has to report (a store renamed aside, a navigation that failed) goes to one
 // sink; the library's log installs itself there when it is loaded. Texts must hold no secrets:
-// URLs pass through UrlForLog first.
+// URLs pass through UrlForLog first (Secrets.h).
 #pragma once
-
-#include <string_view>
 
 #include "Export.h"
 #include "String.h"
@@ -22,9 +20,6 @@ DiagnosticSink SetDiagnosticSink(DiagnosticSink sink);
 // The place is the caller's own. (clang 14 has these, but not what std::source_location needs.)
 void ReportDiagnostic(Severity severity, const CString& strText,
                       const char* pszSource = __builtin_FILE(), unsigned line = __builtin_LINE());
-
-// The URL without user information, query and fragment ("?..." stands for a query).
-CString UrlForLog(std::string_view url);
 
 } // namespace platform
 
