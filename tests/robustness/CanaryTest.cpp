@@ -78,7 +78,8 @@ std::string Base64Core(const std::string& text, std::size_t offset) {
 // The secrets that a text holds, as they are, percent-encoded (once or twice) or in base64.
 std::vector<std::string> Canaries(const std::string& text) {
     const std::string decoded = PercentDecoded(text);
-    const std::string forms[] = {text, decoded, PercentDecoded(decoded)};
+    const bool isTwice = decoded != text && decoded.find('%') != decoded.npos;
+    const std::string forms[] = {text, decoded, isTwice ? PercentDecoded(decoded) : ""};
     const auto isInside = [&](const std::string& secret) {
         return std::ranges::any_of(
             forms, [&](const std::string& form) { return form.find(secret) != form.npos; });

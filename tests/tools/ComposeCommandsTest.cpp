@@ -141,8 +141,8 @@ TEST(HeadersCommand, PrintsTheBlockInTheOrderAskedFor) {
 
 TEST(HeadersCommand, ABadLineIsNamedWithoutItsValue) {
     const std::pair<std::string, std::string> lines[] = {
-        {"no colon", "'no colon'"},
-        {"X y: geheim", "'X y'"},
+        {"X-Key geheim", "--add number 2: expected \"Name: value\""},
+        {"X geheim: y", "--add number 2: expected \"Name: value\""},
         {"X-Key: geheim\r\nY: z", "'X-Key': contains a line break"},
         {"X-Empty: ", "'X-Empty': has no value"},
     };

@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include "tools/ToolTest.h"
 
 namespace {
@@ -55,6 +57,23 @@ TEST_F(Fetch, PostsExactBytesWithTheCallersHeaders) {
     EXPECT_EQ(requests[0].Header("Content-Type"), "application/x-www-form-urlencoded");
     EXPECT_EQ(requests[1].body, "\xFC");
     EXPECT_EQ(requests[1].Header("Content-Type"), "text/x");
+}
+
+TEST_F(Fetch, IsNotHeldUpByARegistryThatAnotherProcessHoldsNorByALogThatNobodyReads) {
+    server.Set("/", Html("ok"));
+    const Words options{"--content-type", "application/x-foo"};
+    ASSERT_EQ(Run(options).exitStatus, 0);
+    std::filesystem::remove_all(home.Path("log"));
+    std::filesystem::create_directory(home.Path("log"));
+    ASSERT_EQ(mkfifo(home.Path("log/zrhttpbase3.log").c_str(), 0600), 0);
+    sqlite3* registry = nullptr;
+    sqlite3_open(home.Path("registry.sqlite").c_str(), &registry);
+    ASSERT_EQ(sqlite3_exec(registry, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Run(options).output, "ok");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin,
+              std::chrono::seconds(5)); // 12, call by call
+    sqlite3_close(registry);
 }
 
 TEST_F(Fetch, CollectsFramesBeforeTheirPage) {

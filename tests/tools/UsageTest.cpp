@@ -16,7 +16,9 @@ TEST(Usage, WrongCallsEndWithStatus2AndSayWhatIsWrong) {
     const std::string url = "http://127.0.0.1:1/";
     const std::pair<Words, std::string> calls[] = {
         {{}, "no subcommand"},
+        {{"fetsh", "a"}, "unexpected argument 'fetsh'"},
         {{"fetch"}, "URL is required"},
+        {{"fetch", url, "stray"}, "it is not shown"},
         {{"fetch", "http://127.0.0.1:1/\r\n"}, "control character"},
         {{"fetch", url, "--bogus"}, "--bogus"},
         {{"fetch", url, "--via", "hidden", "--visible"}, "--visible: not possible"},

@@ -42,6 +42,8 @@ FailureLog::FailureLog()
       m_begin(SizeOf(m_fileName)) {}
 
 std::vector<std::string> FailureLog::NewLines() const {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(m_fileName, error)) return {}; // nobody may write there
     std::ifstream file(m_fileName, std::ios::binary);
     // A log that has become shorter has been begun anew.
     if (SizeOf(m_fileName) >= m_begin) file.seekg(static_cast<std::streamoff>(m_begin));

@@ -21,18 +21,17 @@ void ReserveStandardStreams() {
             static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
 }
 
-// Only the first one, and no more of it than the name of an option: anything else may be
-// confidential.
+// Only the first one, and no more of it than what looks like a subcommand or the name of an option:
+// anything else may be confidential.
 std::string UnexpectedArgument(const CLI::App& application) {
     constexpr const char* kLettersOfNames = "abcdefghijklmnopqrstuvwxyz-";
     const std::vector<std::string> unexpected = application.remaining(true);
     const std::string first = unexpected.empty() ? "" : unexpected.front();
     const std::string name = first.substr(0, first.find_first_not_of(kLettersOfNames));
+    const bool isCommand = application.get_subcommands().empty() && name == first;
     const bool isOption = name.starts_with("--") && (name == first || first[name.size()] == '=');
-    if (isOption) return "unexpected argument '" + name + "'";
+    if (isCommand || isOption) return "unexpected argument '" + name + "'";
     if (first.starts_with('-')) return "unexpected argument '" + first.substr(0, 2) + "...'";
-    if (application.get_subcommands().empty() && name == first)
-        return "unknown subcommand '" + first + "'";
     return "unexpected argument behind those that are known; it is not shown, since it may be "
            "confidential";
 }
