@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include <platform/Export.h>
-#include <platform/String.h>
+#include "Export.h"
+#include "String.h"
 
 ZRHB_EXPORT_BEGIN
 
