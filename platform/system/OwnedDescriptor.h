@@ -17,6 +17,7 @@ public:
 
     bool IsOpen() const { return m_descriptor >= 0; }
     int Get() const { return m_descriptor; }
+    int Release() { return std::exchange(m_descriptor, -1); }
     // False when the system reports a late write error (errno).
     bool Close() { return m_descriptor < 0 || close(std::exchange(m_descriptor, -1)) == 0; }
 

@@ -1,28 +1,17 @@
 #include "system/WholeFile.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <memory>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+
+#include <platform/FileReplacement.h>
 
 #include "system/OwnedDescriptor.h"
 
 namespace platform {
 
 namespace {
-
-int WriteAll(int descriptor, std::string_view content) {
-    while (!content.empty()) {
-        const ssize_t written = write(descriptor, content.data(), content.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return errno;
-        content.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
-}
 
 int ReadAtMost(int descriptor, std::size_t limit, std::string& content) {
     char chunk[64 * 1024];
@@ -34,19 +23,6 @@ int ReadAtMost(int descriptor, std::size_t limit, std::string& content) {
         content.append(chunk, static_cast<std::size_t>(count));
         if (content.size() > limit) return EFBIG;
     }
-}
-
-int WriteAndFlush(OwnedDescriptor& file, std::string_view content) {
-    if (const int error = WriteAll(file.Get(), content)) return error;
-    if (fsync(file.Get()) != 0 || !file.Close()) return errno;
-    return 0;
-}
-
-// So that the rename itself survives a crash; where a directory cannot be flushed it stands anyway.
-void FlushDirectoryOf(const std::string& name) {
-    const OwnedDescriptor handle(
-        open(DirectoryOf(name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (handle.IsOpen()) fsync(handle.Get());
 }
 
 } // namespace
@@ -62,18 +38,10 @@ int ReadWholeFile(const std::string& name, std::size_t limit, std::string& conte
 }
 
 int ReplaceWholeFile(const std::string& name, std::string_view content) {
-    const std::string target = WithoutLink(name);
-    std::string temporary = target + ".XXXXXX";
-    OwnedDescriptor file(mkostemp(temporary.data(), O_CLOEXEC)); // made with mode 0600
-    if (!file.IsOpen()) return errno;
-    int error = WriteAndFlush(file, content);
-    if (error == 0 && rename(temporary.c_str(), target.c_str()) != 0) error = errno;
-    if (error != 0) {
-        unlink(temporary.c_str());
-        return error;
-    }
-    FlushDirectoryOf(target);
-    return 0;
+    FileReplacement file;
+    if (const int error = file.Open(name, FileReplacement::Access::userOnly)) return error;
+    if (const int error = file.Write(content)) return error;
+    return file.Commit();
 }
 
 std::string WithoutLink(const std::string& name) {

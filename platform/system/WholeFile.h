@@ -11,9 +11,8 @@ namespace platform {
 // is no file. Never waits for a pipe's other end.
 int ReadWholeFile(const std::string& name, std::size_t limit, std::string& content);
 
-// Writes a temporary file (mode 0600) in the same directory, flushes it to the disk and renames it
-// onto `name` (where a symbolic link points to, if it is one). On failure the old file stands and
-// no temporary file is left.
+// Gives the file (where a symbolic link points to, if it is one) new content and mode 0600, on the
+// disk when it returns. On failure the old file stands and nothing else is left.
 int ReplaceWholeFile(const std::string& name, std::string_view content);
 
 // What a symbolic link leads to; the name itself when it is none or leads nowhere.

@@ -1,23 +1,15 @@
 #include "getter/PageFile.h"
 
-#include <platform/Exceptions.h>
-#include <platform/File.h>
-
-#include "siblings/ZrCbFileSystem.h"
+#include <platform/FileReplacement.h>
+#include <platform/UserPaths.h>
 
 bool SavePage(const CString& strFileName, const CString& page) {
     CString lines = page;
     lines.Replace("\r\n", "\n");
-    CStdioFile file;
-    if (!file.Open(strFileName, CFile::modeCreate | CFile::modeWrite | CFile::typeText))
-        return false;
-    try {
-        file.WriteString(lines);
-        file.Close();
-        return true;
-    } catch (CException* exception) {
-        exception->Delete();
-        CZrCbFileSystem::DeleteFileSafely(strFileName);
-        return false;
-    }
+    lines.Replace("\n", "\r\n");
+    CString localName;
+    if (!platform::LocalFileName(strFileName, localName)) return false;
+    platform::FileReplacement file;
+    return file.Open(localName.GetString(), platform::FileReplacement::Access::shared) == 0 &&
+           file.Write(lines.View()) == 0 && file.Commit() == 0;
 }

@@ -3,6 +3,6 @@
 
 #include <platform/String.h>
 
-// Writes the page with CR LF line ends, replacing an existing file. False when that failed; no
-// partial file stays behind.
+// Writes the page with CR LF line ends, replacing an existing file once all is written. False when
+// that failed; what was there stays.
 bool SavePage(const CString& strFileName, const CString& page);

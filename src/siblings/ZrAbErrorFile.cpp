@@ -3,18 +3,30 @@
 #include <exception>
 
 #include <platform/LastError.h>
+#include <platform/LogWatch.h>
 
 #include "siblings/LogFile.h"
 #include "siblings/LogLine.h"
 
 namespace {
 
+// What is behind the line's last tab; a text has none.
+std::string_view TextOf(std::string_view line) {
+    line.remove_prefix(line.rfind('\t') + 1);
+    line.remove_suffix(1);
+    return line;
+}
+
 // Logging must not disturb whoever logs: no exception, and the last error stays as it was.
 int Write(const LogRecord& record) {
     const DWORD lastError = GetLastError();
     int written = 0;
     try {
-        written = LogFile::Instance().Append(FormatLogLine(record)) ? 1 : 0;
+        const std::string line = FormatLogLine(record);
+        written = LogFile::Instance().Append(line) ? 1 : 0;
+        platform::TellLogWatches(
+            {record.isError ? platform::Severity::failure : platform::Severity::trace, TextOf(line),
+             written != 0});
     } catch (const std::exception&) {
         written = 0; // out of memory
     }

@@ -1,7 +1,5 @@
 #include "zrhttp/Download.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <future>
 #include <optional>
@@ -13,72 +11,21 @@
 #include <platform/Prompt.h>
 #include <platform/Window.h>
 #include <strings.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/Errors.h"
+#include "zrhttp/FailureRecords.h"
+#include "zrhttp/HttpStatus.h"
 #include "zrhttp/Interrupt.h"
+#include "zrhttp/OutputFile.h"
 #include "zrhttp/TransferProgress.h"
+#include "zrhttp/TransferWatch.h"
 
 namespace zrhttp {
 namespace {
 
 constexpr auto kLook = std::chrono::milliseconds(100);
 constexpr const char* kWindowClass = "zrhttp download";
-
-// A file beside the target, which takes the target's name when it is complete and is removed
-// otherwise. A device is written to as it is, and what a link leads to is the target.
-class PartialFile {
-public:
-    explicit PartialFile(const std::string& target) : m_target(Resolved(target)) {
-        const auto type = std::filesystem::status(m_target).type();
-        if (type == std::filesystem::file_type::directory) Fail(EISDIR);
-        if (type == std::filesystem::file_type::character) {
-            m_name = m_target;
-            return;
-        }
-        if (std::filesystem::exists(m_target) && type != std::filesystem::file_type::regular)
-            throw SystemError("cannot write '" + m_target + "': not a file");
-        m_name = m_target + ".part-XXXXXX";
-        const int descriptor = mkstemp(m_name.data());
-        if (descriptor < 0) Fail(errno);
-        const mode_t mask = umask(0);
-        umask(mask);
-        fchmod(descriptor, 0666 & ~mask);
-        close(descriptor);
-    }
-    ~PartialFile() {
-        if (!m_name.empty() && m_name != m_target) unlink(m_name.c_str());
-    }
-    PartialFile(const PartialFile&) = delete;
-    PartialFile& operator=(const PartialFile&) = delete;
-
-    const std::string& Name() const { return m_name; }
-    std::uint64_t Length() const {
-        std::error_code error;
-        const auto length = std::filesystem::file_size(m_name, error);
-        return error ? 0 : length;
-    }
-    void Complete() {
-        if (m_name != m_target && rename(m_name.c_str(), m_target.c_str()) != 0) Fail(errno);
-        m_name.clear();
-    }
-
-private:
-    static std::string Resolved(const std::string& target) {
-        if (target.empty()) throw UsageError("FILE: is empty");
-        std::error_code error;
-        const auto resolved = std::filesystem::canonical(target, error);
-        return error ? target : resolved.string();
-    }
-    [[noreturn]] void Fail(int error) const {
-        throw SystemError("cannot write '" + m_target + "': " + std::strerror(error));
-    }
-
-    std::string m_target;
-    std::string m_name;
-};
 
 // Asks the user where the progress is shown otherwise.
 class PromptBesideProgress final : public platform::Prompt {
@@ -106,7 +53,7 @@ DownloadEnd EndOf(bool isComplete) {
 }
 
 // Looks at the file, and for Ctrl-C, while the library's blocking call has this thread.
-DownloadEnd DownloadHere(CZrHbInet& inet, const CString& url, const PartialFile& file,
+DownloadEnd DownloadHere(CZrHbInet& inet, const CString& url, const OutputFile& file,
                          TransferProgress& progress) {
     std::promise<void> over;
     std::thread watcher([&, hasEnded = over.get_future()] {
@@ -115,7 +62,7 @@ DownloadEnd DownloadHere(CZrHbInet& inet, const CString& url, const PartialFile&
             progress.Update(file.Length(), std::nullopt);
         }
     });
-    const int isComplete = inet.DownloadFile(url, CString(std::string_view(file.Name())));
+    const int isComplete = inet.DownloadFile(url, CString(file.WorkingName()));
     over.set_value();
     watcher.join();
     return EndOf(isComplete != 0);
@@ -175,11 +122,10 @@ void ServeMessages() {
     MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(kLook.count()), QS_ALLINPUT);
 }
 
-DownloadEnd DownloadInBackground(CZrHbInet& inet, const CString& url, const PartialFile& file,
+DownloadEnd DownloadInBackground(CZrHbInet& inet, const CString& url, const OutputFile& file,
                                  TransferProgress& progress) {
     const NotificationWindow window;
-    if (!inet.StartDownloadFile2(eAppGroup_2, url, CString(std::string_view(file.Name())),
-                                 window.Object()))
+    if (!inet.StartDownloadFile2(eAppGroup_2, url, CString(file.WorkingName()), window.Object()))
         throw SystemError("the download could not be started");
     while (!t_notified.end) {
         if (Interrupt::IsRequested()) inet.StopDownloadFile();
@@ -194,6 +140,66 @@ bool IsDownloadable(const CString& url) {
            IsValidURL(nullptr, platform::WideFromAnsi(url.View()).c_str(), 0) == S_OK;
 }
 
+// The library opens it by its name, and would wait for a pipe's reader.
+void CheckTarget(const std::string& name) {
+    using std::filesystem::file_type;
+    if (name.empty()) throw UsageError("FILE: is empty");
+    std::error_code unknown;
+    const file_type type = std::filesystem::status(name, unknown).type();
+    if (type == file_type::fifo || type == file_type::socket || type == file_type::block)
+        throw SystemError("cannot write '" + name + "': not a file");
+}
+
+std::string Cause(const TransferFacts& facts) {
+    if (facts.IsErrorPage() || facts.WantsCredentials()) {
+        const char* who = facts.status == 407 ? "the proxy" : "the server";
+        return HttpStatusText(*facts.status) +
+               (facts.WantsCredentials() ? std::string(": ") + who + " wants credentials" : "");
+    }
+    if (facts.hasEnded && facts.length && *facts.length != facts.received)
+        return "incomplete: " + std::to_string(facts.received) + " of " +
+               std::to_string(*facts.length) + " bytes" +
+               (facts.error == ERROR_INTERNET_TIMEOUT ? ", " + facts.reason : std::string());
+    return facts.status ? facts.reason : std::string();
+}
+
+// The library knows the content by another name than the person.
+std::vector<std::string> WithFileName(std::vector<std::string> lines, const std::string& name,
+                                      const std::string& shown) {
+    for (std::string& line : lines)
+        if (const auto place = line.find(name); place != line.npos)
+            line.replace(place, name.size(), shown);
+    return lines;
+}
+
+// The library's result goes by the length; a reply that is not whole is no file here, and neither
+// is an error page.
+bool IsWanted(const TransferFacts& facts, bool keepErrorPage) {
+    // What the reply to an unknown user holds has been read over by then.
+    if (facts.error != 0 || facts.WantsCredentials()) return false;
+    return keepErrorPage || !facts.IsErrorPage();
+}
+
+DownloadFailure FailureOf(const TransferFacts& facts, const FailureRecords& records,
+                          const OutputFile& file, const std::string& name) {
+    DownloadFailure failure;
+    failure.cause = Cause(facts);
+    failure.reason = failure.cause.empty() ? facts.reason : failure.cause;
+    failure.records = WithFileName(records.Lines(), file.WorkingName(), name);
+    failure.areRecordsInLog = records.AreInLog();
+    failure.isErrorPage = facts.IsErrorPage();
+    failure.isConnection = facts.IsConnectionFailure();
+    return failure;
+}
+
+DownloadEnd Transfer(const DownloadOptions& options, const CString& url, const OutputFile& file) {
+    TransferProgress progress;
+    const PromptBesideProgress prompt(progress);
+    CZrHbInet inet;
+    return options.background ? DownloadInBackground(inet, url, file, progress)
+                              : DownloadHere(inet, url, file, progress);
+}
+
 } // namespace
 
 DownloadResult Download(const DownloadOptions& options) {
@@ -201,21 +207,26 @@ DownloadResult Download(const DownloadOptions& options) {
     if (!IsDownloadable(url))
         throw UsageError("URL: cannot be downloaded; give the whole of it, with http:// or "
                          "https:// and without spaces");
-    PartialFile file(options.file);
+    CheckTarget(options.file);
+    OutputFile file(options.file);
     const Interrupt interrupt;
     const auto begin = std::chrono::steady_clock::now();
+    DWORD patience = options.timeout;
+    InternetSetOptionA(nullptr, INTERNET_OPTION_RECEIVE_TIMEOUT, &patience, sizeof patience);
+    const FailureRecords records;
+    const TransferWatch transfer(options.keepErrorPage);
     DownloadResult result;
-    {
-        TransferProgress progress;
-        const PromptBesideProgress prompt(progress);
-        CZrHbInet inet;
-        result.end = options.background ? DownloadInBackground(inet, url, file, progress)
-                                        : DownloadHere(inet, url, file, progress);
-    }
-    result.length = file.Length();
+    result.end = Transfer(options, url, file);
+    const TransferFacts& facts = transfer.Facts();
+    if (result.end == DownloadEnd::complete && !IsWanted(facts, options.keepErrorPage))
+        result.end = DownloadEnd::failed;
+    result.httpStatus = facts.status;
+    result.length = facts.received;
     result.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - begin);
-    if (result.end == DownloadEnd::complete) file.Complete();
+    if (result.end == DownloadEnd::failed)
+        result.failure = FailureOf(facts, records, file, options.file);
+    if (result.end == DownloadEnd::complete) file.Commit();
     return result;
 }
 

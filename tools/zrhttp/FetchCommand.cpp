@@ -1,4 +1,3 @@
-#include <charconv>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -10,21 +9,12 @@
 #include "zrhttp/FetchOptions.h"
 #include "zrhttp/FetchReport.h"
 #include "zrhttp/FetchRequest.h"
+#include "zrhttp/Milliseconds.h"
 #include "zrhttp/OutputFile.h"
 #include "zrhttp/PageFetch.h"
 
 namespace zrhttp {
 namespace {
-
-// Whole milliseconds that fit 32 bits; otherwise "-1" would become a time-out of 49 days.
-const CLI::Validator kMilliseconds(
-    [](const std::string& text) {
-        std::uint32_t value = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        const bool isNumber = error == std::errc() && end == text.data() + text.size();
-        return isNumber ? std::string() : "expected milliseconds, 0 to 4294967295";
-    },
-    "");
 
 void DeclareRequest(CLI::App& command, FetchOptions& options) {
     command
@@ -62,20 +52,13 @@ void DeclareRequest(CLI::App& command, FetchOptions& options) {
 }
 
 void DeclareWaiting(CLI::App& command, FetchOptions& options) {
-    command
-        .add_option("--timeout", options.timeout,
-                    "Milliseconds without progress before the page fails; 0: none")
-        ->type_name("MS")
-        ->check(kMilliseconds)
-        ->capture_default_str();
+    TakesMilliseconds(
+        *command.add_option("--timeout", options.timeout,
+                            "Milliseconds without progress before the page fails; 0: none"));
     command.add_flag("--large-data", options.largeData,
                      "Lengthen --timeout by the time that the posted data needs");
-    command
-        .add_option("--idle-timeout", options.idleTimeout,
-                    "Milliseconds that the browser may be idle; 0: none")
-        ->type_name("MS")
-        ->check(kMilliseconds)
-        ->capture_default_str();
+    TakesMilliseconds(*command.add_option("--idle-timeout", options.idleTimeout,
+                                          "Milliseconds that the browser may be idle; 0: none"));
     command.add_flag("--visible", options.visible, "Show the browser's window");
     command
         .add_option("--title", options.titles,

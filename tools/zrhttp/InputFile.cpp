@@ -31,8 +31,9 @@ std::string ReadInput(const std::string& path) {
     if (!file) Fail(path, std::strerror(errno));
     std::string content;
     char block[65536];
-    while (const std::size_t count = std::fread(block, 1, sizeof block, file.get())) {
-        content.append(block, count);
+    // The end is asked for once: a person at a terminal tells it by a key.
+    while (!std::feof(file.get()) && !std::ferror(file.get())) {
+        content.append(block, std::fread(block, 1, sizeof block, file.get()));
         if (content.size() > kLargestInput) Fail(path, "larger than 512 MiB");
     }
     if (std::ferror(file.get())) Fail(path, std::strerror(errno));

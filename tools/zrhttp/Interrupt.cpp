@@ -2,42 +2,57 @@
 
 #include <atomic>
 
+#include <sys/prctl.h>
+
 namespace zrhttp {
 namespace {
 
-// Set by the signal handler, which can reach nothing but process-wide state.
-std::atomic<bool> g_isRequested{false};
-static_assert(std::atomic<bool>::is_always_lock_free);
+// Set by the signal handler, which can reach nothing but process-wide state. 0: none has come.
+std::atomic<int> g_signal{0};
+static_assert(std::atomic<int>::is_always_lock_free);
 
-void Request(int) {
-    g_isRequested.store(true);
+void Request(int signalNumber) {
+    g_signal.store(signalNumber);
 }
 
 void Install(int signalNumber, struct sigaction& previous) {
+    sigaction(signalNumber, nullptr, &previous);
+    if (previous.sa_handler == SIG_IGN) return;
     struct sigaction action {};
     action.sa_handler = Request;
     // SA_RESETHAND: the second signal finds the default action and ends a process that hangs.
     // SA_RESTART: reads and writes under way are not cut short.
     action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
     sigemptyset(&action.sa_mask);
-    sigaction(signalNumber, &action, &previous);
+    sigaction(signalNumber, &action, nullptr);
 }
 
 } // namespace
 
 Interrupt::Interrupt() {
-    g_isRequested.store(false);
-    Install(SIGINT, m_previousInt);
-    Install(SIGTERM, m_previousTerm);
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+        Install(kSignals[i], m_previous[i]);
 }
 
 Interrupt::~Interrupt() {
-    sigaction(SIGINT, &m_previousInt, nullptr);
-    sigaction(SIGTERM, &m_previousTerm, nullptr);
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+        sigaction(kSignals[i], &m_previous[i], nullptr);
 }
 
 bool Interrupt::IsRequested() {
-    return g_isRequested.load();
+    return g_signal.load() != 0;
+}
+
+void Interrupt::EndProcess() {
+    const int signalNumber = g_signal.load();
+    if (signalNumber == 0) return;
+    prctl(PR_SET_DUMPABLE, 0); // SIGQUIT leaves a core otherwise, with all that was secret
+    signal(signalNumber, SIG_DFL);
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, signalNumber);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    raise(signalNumber);
 }
 
 } // namespace zrhttp

@@ -1,11 +1,14 @@
-// Ctrl-C as a request to stop.
+// Ctrl-C and its like as a request to stop.
 #pragma once
+
+#include <array>
 
 #include <signal.h>
 
 namespace zrhttp {
 
-// While one exists, the first SIGINT or SIGTERM only sets a mark; a second one ends the process.
+// While one exists, the first SIGINT, SIGTERM, SIGHUP or SIGQUIT only sets a mark, and a second
+// one of its kind ends the process. What the process was started to ignore, it ignores.
 class Interrupt {
 public:
     Interrupt();
@@ -15,9 +18,14 @@ public:
 
     static bool IsRequested();
 
+    // Ends the process by the signal that has asked for it, so that whoever started it (a shell's
+    // loop) sees that; returns when none has. For the end of main: nothing is cleaned up any more.
+    static void EndProcess();
+
+    static constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
 private:
-    struct sigaction m_previousInt {};
-    struct sigaction m_previousTerm {};
+    std::array<struct sigaction, kSignals.size()> m_previous{};
 };
 
 } // namespace zrhttp

@@ -1,37 +1,32 @@
-// Files that appear under their name only when they are complete.
+// Files that the tool writes.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
+#include <platform/FileReplacement.h>
+
 namespace zrhttp {
 
-// Writes to a temporary file beside the target; Commit gives it the target's name. Without Commit
-// nothing is left behind and an existing target keeps its content; a new content keeps the
-// target's permissions. A target that is no regular file (a device, a pipe) is written directly.
-// All operations throw SystemError.
+// What FileReplacement promises, for files that others may read; all operations throw SystemError.
 class OutputFile {
 public:
     explicit OutputFile(const std::string& path);
-    ~OutputFile();
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
 
     void Write(std::string_view bytes);
     void Commit();
+    std::string WorkingName() const { return m_file.WorkingName(); }
+    std::uint64_t Length() const { return m_file.Length(); }
 
     // Tells before any request is made whether the file can be written.
     static void CheckWritable(const std::string& path) { const OutputFile attempt(path); }
 
 private:
-    void OpenTemporary();
-    [[noreturn]] void Fail(int error) const;
+    void Check(int error) const;
 
-    std::string m_path;   // as given, for messages
-    std::string m_target; // with links followed
-    std::string m_temporary;
-    bool m_isSpecial = false; // written directly
-    int m_descriptor = -1;
+    std::string m_path; // as given, for messages
+    platform::FileReplacement m_file;
 };
 
 } // namespace zrhttp

@@ -9,6 +9,7 @@
 
 #include "zrhttp/Commands.h"
 #include "zrhttp/Errors.h"
+#include "zrhttp/Interrupt.h"
 #include "zrhttp/Terminal.h"
 
 namespace {
@@ -43,7 +44,7 @@ int Run(int argumentCount, char** arguments) {
     application.require_subcommand(0, 1);
     application.set_version_flag("--version", "zrhttp " ZRHTTP_VERSION);
     application.footer("Exit status: 0 success, 20 to 29 a page that failed (the result code), "
-                       "1 other failures, 2 wrong usage.");
+                       "1 other failures, 2 wrong usage. An interrupt ends it by its signal.");
     int exitStatus = zrhttp::kFailure;
     zrhttp::AddFetchCommand(application, exitStatus);
     zrhttp::AddDownloadCommand(application, exitStatus);
@@ -70,12 +71,7 @@ int Run(int argumentCount, char** arguments) {
     return exitStatus;
 }
 
-} // namespace
-
-int main(int argumentCount, char** arguments) {
-    ReserveStandardStreams();
-    // A reader that goes away is a failed write, with a message, not the end of the process.
-    std::signal(SIGPIPE, SIG_IGN);
+int RunOrExplain(int argumentCount, char** arguments) {
     try {
         return Run(argumentCount, arguments);
     } catch (const zrhttp::ToolError& error) {
@@ -85,4 +81,15 @@ int main(int argumentCount, char** arguments) {
         zrhttp::PrintError(error.what());
         return zrhttp::kFailure;
     }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    ReserveStandardStreams();
+    // A reader that goes away is a failed write, with a message, not the end of the process.
+    std::signal(SIGPIPE, SIG_IGN);
+    const int exitStatus = RunOrExplain(argumentCount, arguments);
+    zrhttp::Interrupt::EndProcess();
+    return exitStatus;
 }
