@@ -55,7 +55,7 @@ std::string ReadAll(int file) {
 }
 
 std::vector<std::string> Environment() {
-    std::vector<std::string> environment{"no_proxy=127.0.0.1,localhost"};
+    std::vector<std::string> environment{"no_proxy=127.0.0.1,localhost", "ZRHTTP=" ZRHTTP_TOOL};
     for (char** variable = environ; *variable; ++variable)
         environment.emplace_back(*variable);
     return environment;
@@ -130,15 +130,16 @@ ToolRun RunTool(const std::vector<std::string>& arguments, std::string_view inpu
     return ToolProcess(arguments, input).Wait();
 }
 
-ToolOnTerminal::ToolOnTerminal(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{ZRHTTP_TOOL};
+ToolOnTerminal::ToolOnTerminal(const std::vector<std::string>& arguments,
+                               const std::string& program) {
+    std::vector<std::string> command{program};
     command.insert(command.end(), arguments.begin(), arguments.end());
     std::vector<std::string> environment = Environment();
     const auto argv = Pointers(command);
     const auto envp = Pointers(environment);
     m_process = Checked(forkpty(&m_terminal, nullptr, nullptr, nullptr), "forkpty");
     if (m_process == 0) {
-        execve(ZRHTTP_TOOL, argv.data(), envp.data());
+        execve(program.c_str(), argv.data(), envp.data());
         _exit(127);
     }
     fcntl(m_terminal, F_SETFD, FD_CLOEXEC);

@@ -41,7 +41,9 @@ ToolRun RunTool(const std::vector<std::string>& arguments, std::string_view inpu
 // it if it still runs.
 class ToolOnTerminal {
 public:
-    explicit ToolOnTerminal(const std::vector<std::string>& arguments);
+    // Another program (a shell, which gets the tool as $ZRHTTP) may take its place.
+    explicit ToolOnTerminal(const std::vector<std::string>& arguments,
+                            const std::string& program = ZRHTTP_TOOL);
     ~ToolOnTerminal();
     ToolOnTerminal(const ToolOnTerminal&) = delete;
     ToolOnTerminal& operator=(const ToolOnTerminal&) = delete;

@@ -58,6 +58,20 @@ TEST(FormCommand, TheHeaderNamesTheBoundaryThatIsFoundForTheBody) {
                                   EndsWith("\r\n--" + boundary + "--\r\n")));
 }
 
+TEST(FormCommand, ASecretIsTypedUnseen) {
+    for (const auto& [keys, output, status] : {std::tuple{"4711\n", "pin: \r\npin=4711", 0},
+                                               {"4711\x04", "pin: \r\npin=4711", 0},
+                                               {"47\x03", "pin: \r\n", 128 + SIGINT},
+                                               {"47\x1A\n", "pin: \r\n", 2}}) {
+        ToolOnTerminal tool({"form", "--secret", "pin=@-", "--as", "urlencoded"});
+        tool.TypeAfter("pin: ", keys);
+        const auto run = tool.Wait();
+        EXPECT_EQ(run.exitStatus, status) << run.output;
+        EXPECT_THAT(run.output, StartsWith(output));
+        EXPECT_TRUE(tool.IsEchoing());
+    }
+}
+
 TEST(FormCommand, SecretsComeFromFilesAndStayOutOfMessages) {
     const auto inArgument = Form({"--secret", "pin=4711", "--as", "query"});
     EXPECT_EQ(inArgument.exitStatus, 2);

@@ -1,6 +1,11 @@
 // zrhttp download, reasons, autodial.
 
+#include <fstream>
+#include <tuple>
+
 #include "siblings/ZrCbRegistry.h"
+#include "support/RawServer.h"
+#include "support/ScopedVariable.h"
 #include "tools/ToolTest.h"
 
 namespace {
@@ -34,6 +39,9 @@ protected:
             };
         return answer;
     }
+    static unsigned ModeOf(const std::string& file) {
+        return static_cast<unsigned>(std::filesystem::status(file).permissions());
+    }
     // The names in the target's directory.
     std::vector<std::string> Files() const {
         std::vector<std::string> names;
@@ -52,16 +60,19 @@ const std::vector<Words> kForms = {{}, {"--background"}};
 TEST_F(DownloadCommand, BringsTheFileInBothForms) {
     for (const auto& form : kForms) {
         m_home.WriteFile("files/list.pdf", "an older one");
+        chmod(Target().c_str(), 0600);
         const auto run = Run(form, m_server.Url("/list"), Target());
         EXPECT_EQ(run.exitStatus, 0) << run.error;
         EXPECT_EQ(run.output, "");
         EXPECT_EQ(m_home.ReadFile("files/list.pdf"), m_content);
+        EXPECT_EQ(ModeOf(Target()), 0600u) << "it keeps its mode";
         EXPECT_THAT(run.error,
                     MatchesRegex(form.empty() ? "" : "(10 %\n)?(20 %\n)?.*(90 %\n)?100 %\n"));
     }
     EXPECT_THAT(Files(), ElementsAre("list.pdf"));
     const json result = json::parse(Run({"--json"}, m_server.Url("/list"), Target()).output);
     EXPECT_EQ(result["complete"], true);
+    EXPECT_EQ(result["http_status"], 200);
     EXPECT_EQ(result["length"], m_content.size());
     EXPECT_EQ(result["file"], Target());
     EXPECT_EQ(result["url"], m_server.Url("/list"));
@@ -93,7 +104,7 @@ TEST_F(DownloadCommand, CtrlCIsAnAnswerToEachQuestion) {
             tool.TypeAfter("Name: ", isName ? "m\x03" : "me\n");
             if (!isName) tool.TypeAfter("Password: ", "sec\x03");
             const ToolRun run = tool.Wait();
-            EXPECT_EQ(run.exitStatus, 1) << run.output;
+            EXPECT_EQ(run.exitStatus, 128 + SIGINT) << run.output;
             EXPECT_THAT(run.output, HasSubstr("the download was stopped"));
             EXPECT_THAT(Files(), IsEmpty());
             EXPECT_TRUE(tool.IsEchoing());
@@ -114,10 +125,18 @@ TEST_F(DownloadCommand, FollowsLinksAndWritesToDevices) {
                           "space on the disk.\n"));
 }
 
+// Another process writes into the log, which all share, while this one waits.
 TEST_F(DownloadCommand, AFailureIsExplainedAndLeavesWhatWasThere) {
+    Answer answer;
+    answer.choose = [this](const ReceivedRequest&) {
+        std::ofstream(m_home.Path("log/zrhttpbase3.log"), std::ios::app)
+            << "2026-01-01T00:00:00Z\tgroup 2\terror\tA.cpp:1\tanother's failure\n";
+        return Redirect(302, kNobody);
+    };
+    m_server.Set("/elsewhere", answer);
     for (const auto& form : kForms) {
         m_home.WriteFile("files/list.pdf", "an older one");
-        const auto run = Run(form, "http://127.0.0.1:1/list", Target());
+        const auto run = Run(form, m_server.Url("/elsewhere"), Target());
         EXPECT_EQ(run.exitStatus, 1);
         EXPECT_EQ(run.output, "");
         EXPECT_THAT(run.error,
@@ -128,6 +147,47 @@ TEST_F(DownloadCommand, AFailureIsExplainedAndLeavesWhatWasThere) {
         EXPECT_EQ(m_home.ReadFile("files/list.pdf"), "an older one");
         EXPECT_THAT(Files(), ElementsAre("list.pdf"));
     }
+    const ScopedVariable nowhere("ZRHTTP_HOME", "/dev/null");
+    EXPECT_THAT(Run({}, "http://127.0.0.1:1/list", Target()).error,
+                AllOf(HasSubstr("\"connection refused\""), Not(HasSubstr("zrhttpbase3.log"))));
+}
+
+TEST_F(DownloadCommand, AReplyThatIsNoFileNamesItsCause) {
+    constexpr const char* kOk = "HTTP/1.1 200 OK\r\n";
+    const auto never = std::make_shared<Gate>();
+    RawServer server;
+    server.Set("/cut", kOk + std::string("Content-Length: 9\r\n\r\n1234"));
+    server.Set("/chunks", kOk + std::string("Transfer-Encoding: chunked\r\n\r\n4\r\n12"));
+    server.Set("/halt", kOk + std::string("Content-Length: 9\r\n\r\n1234"), never, "56789");
+    server.Set("/secret", "HTTP/1.1 401 -\r\nWWW-Authenticate: Basic realm=x\r\n\r\nno");
+    server.Set("/gone", "HTTP/1.1 404 -\r\nContent-Length: 4\r\n\r\ngone");
+    server.Set("/other", "HTTP/1.1 499 -\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n\r\n");
+    const std::tuple<const char*, Words, const char*> replies[] = {
+        {"/cut", {}, "incomplete: 4 of 9 bytes\nInternetReadFile() -> "},
+        {"/chunks", {}, "the connection broke off after 2 bytes\nInternetReadFile() -> "},
+        {"/halt", {"--timeout", "300"}, "incomplete: 4 of 9 bytes, no progress within 300 ms\n"},
+        {"/secret", {"--keep-error-page"}, "401 Unauthorized: the server wants credentials\n"},
+        {"/gone", {}, "404 Not Found\n"},
+        {"/other", {}, "499\n"},
+    };
+    m_home.WriteFile("files/list.pdf", "an older one");
+    for (auto form : kForms)
+        for (const auto& [path, options, cause] : replies) {
+            Words words = options;
+            words.insert(words.end(), form.begin(), form.end());
+            const auto run = Run(words, server.Url(path), Target());
+            EXPECT_EQ(run.exitStatus, 1) << path;
+            EXPECT_THAT(run.error,
+                        AllOf(HasSubstr("zrhttp: the download failed: " + std::string(cause)),
+                              Not(HasSubstr("Ursachen"))))
+                << path;
+            EXPECT_EQ(m_home.ReadFile("files/list.pdf"), "an older one") << path;
+        }
+    const auto kept = Run({"--keep-error-page", "--json"}, server.Url("/gone"), Target());
+    EXPECT_EQ(kept.exitStatus, 0) << kept.error;
+    EXPECT_EQ(json::parse(kept.output)["http_status"], 404);
+    EXPECT_EQ(m_home.ReadFile("files/list.pdf"), "gone");
+    never->Open();
 }
 
 TEST_F(DownloadCommand, RefusesWhatCannotBe) {
@@ -152,24 +212,28 @@ TEST_F(DownloadCommand, RefusesWhatCannotBe) {
     EXPECT_THAT(m_server.Requests(), IsEmpty());
 }
 
-TEST_F(DownloadCommand, InterruptStopsAndKeepsNothing) {
+// Not even one that is killed leaves anything.
+TEST_F(DownloadCommand, SignalsEndItAndKeepNothing) {
     Answer halting = Bytes("application/pdf", "");
     halting.pieces = {m_content, m_content};
     halting.pieceGate = std::make_shared<Gate>();
     m_server.Set("/halting", halting);
-    for (const auto& form : kForms) {
-        const std::size_t before = m_server.Requests("/halting").size();
-        Words arguments{"download", "--json", m_server.Url("/halting"), Target()};
-        arguments.insert(arguments.end(), form.begin(), form.end());
-        ToolProcess tool(arguments);
-        while (m_server.Requests("/halting").size() == before)
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        tool.Signal(SIGINT);
-        const ToolRun run = tool.Wait();
-        EXPECT_EQ(run.exitStatus, 1);
-        EXPECT_THAT(run.error, HasSubstr("zrhttp: the download was stopped; nothing is kept\n"));
-        EXPECT_EQ(json::parse(run.output)["stopped"], true);
-        EXPECT_THAT(Files(), IsEmpty());
+    for (Words words : kForms) {
+        words.push_back("--json");
+        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGKILL}) {
+            const std::size_t before = m_server.Requests("/halting").size();
+            ToolProcess tool(CommandLine(words, m_server.Url("/halting"), Target()));
+            while (m_server.Requests("/halting").size() == before)
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            tool.Signal(signalNumber);
+            const ToolRun run = tool.Wait();
+            EXPECT_EQ(run.exitStatus, 128 + signalNumber);
+            EXPECT_THAT(Files(), IsEmpty());
+            if (signalNumber == SIGKILL) continue;
+            EXPECT_THAT(run.error,
+                        HasSubstr("zrhttp: the download was stopped; nothing is kept\n"));
+            EXPECT_EQ(json::parse(run.output)["stopped"], true);
+        }
     }
     halting.pieceGate->Open();
 }

@@ -140,20 +140,36 @@ TEST_F(Fetch, InterruptStopsCleanly) {
     answer.pieceGate = gate;
     server.Set("/", answer);
     home.WriteFile("out/page", "old");
-    for (const int signalNumber : {SIGINT, SIGTERM}) {
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         const std::size_t before = server.Requests("/").size();
         ToolProcess tool({"fetch", server.Url("/"), "--output", home.Path("out/page"), "--json"});
         while (server.Requests("/").size() == before)
             std::this_thread::yield();
         tool.Signal(signalNumber);
         const auto run = tool.Wait();
-        EXPECT_EQ(run.exitStatus, 28);
+        EXPECT_EQ(run.exitStatus, 128 + signalNumber);
         EXPECT_THAT(run.error, HasSubstr("28: Stopped by an interrupt."));
         EXPECT_EQ(json::parse(run.output)["code"], 28);
     }
     EXPECT_EQ(home.ReadFile("out/page"), "old");
     EXPECT_EQ(FilesInOut(), 1);
     gate->Open();
+}
+
+TEST_F(Fetch, OneCtrlCEndsAShellsLoop) {
+    Answer answer = Html("");
+    answer.gate = std::make_shared<Gate>();
+    server.Set("/", answer);
+    const std::string script = "for i in 1 2 3; do $ZRHTTP fetch " + server.Url("/") + "; done";
+    ToolOnTerminal shell({"-c", script + "; echo over"}, "/bin/bash");
+    while (server.Requests("/").empty())
+        std::this_thread::yield();
+    shell.TypeAfter("bytes", "\x03");
+    const auto run = shell.Wait();
+    EXPECT_EQ(run.exitStatus, 128 + SIGINT);
+    EXPECT_THAT(run.output, Not(HasSubstr("over")));
+    EXPECT_EQ(server.Requests("/").size(), 1u);
+    answer.gate->Open();
 }
 
 TEST_F(Fetch, ControlCharactersDoNotReachATerminal) {

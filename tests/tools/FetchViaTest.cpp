@@ -23,6 +23,16 @@ TEST(FetchVia, EveryWayLoadsThePageAndPostsWithTheEngineAskedFor) {
         EXPECT_EQ(run.output, "<p>\r\n\xFC") << via;
         EXPECT_EQ(server.Requests("/").back().body, "a=1") << via;
 
+        home.WriteFile("page", "old");
+        for (const char* option : {"--output", "--save"}) {
+            const auto none = RunTool({"fetch", server.Url("/none"), "--via", via, "--engine",
+                                       "builtin", "--json", "--fail", option, home.Path("page")});
+            EXPECT_EQ(none.exitStatus, 1) << via;
+            EXPECT_EQ(none.error, "zrhttp: 404 Not Found\n") << via;
+            EXPECT_EQ(json::parse(none.output)["http_status"], 404) << via;
+            EXPECT_EQ(home.ReadFile("page"), "old") << via;
+        }
+
         const auto chromium = RunTool({"fetch", url, "--via", via, "--engine", "chromium"});
         EXPECT_EQ(chromium.exitStatus, 20) << via;
         EXPECT_THAT(chromium.error, HasSubstr("zrhttp doctor")) << via;
@@ -59,7 +69,7 @@ TEST(FetchVia, InterruptStopsAnApplication) {
     while (server.Requests("/").empty())
         std::this_thread::yield();
     tool.Signal(SIGINT);
-    EXPECT_EQ(tool.Wait().exitStatus, 28);
+    EXPECT_EQ(tool.Wait().exitStatus, 128 + SIGINT);
     gate->Open();
 }
 

@@ -17,6 +17,12 @@ std::string Utf16(std::string_view ascii, bool isBigEndian) {
     return text;
 }
 
+TEST(TextCommand, OneKeyEndsWhatIsTyped) {
+    ToolOnTerminal tool({"text", "-"});
+    tool.TypeAfter("", "<p>a\n\x04");
+    EXPECT_EQ(tool.Wait().output, "<p>a\r\na\r\n");
+}
+
 TEST(TextCommand, UmlautsComeOutRightFromPagesOfAnyCharacterSet) {
     const std::string late(1024, ' ');
     const std::pair<std::string, std::string_view> pages[] = {

@@ -39,7 +39,6 @@ TEST(Usage, WrongCallsEndWithStatus2AndSayWhatIsWrong) {
         {{"fetch", url, "--post", "a", "--header", "Two words: b"}, "Name: value"},
         {{"fetch", url, "--post", "a", "--header", "A: b\nCookie: c"}, "line break"},
         {{"fetch", url, "--content-type", "x\\y"}, "--content-type"},
-        {{"fetch", url, "--save", "f", "--title", "T"}, "--title"},
         {{"fetch", url, "--json", "--output", "-"}, "--output"},
     };
     for (const auto& [arguments, text] : calls) {

@@ -27,7 +27,9 @@ void FailureRecords::Take(const platform::WatchedRecord& record) {
     std::string_view text = record.text;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find(kLineEnd), text.size());
-        if (end > 0) m_lines.emplace_back(text.substr(0, end));
+        const std::string line(text.substr(0, end));
+        if (!line.empty() && std::find(m_lines.begin(), m_lines.end(), line) == m_lines.end())
+            m_lines.push_back(line);
         text.remove_prefix(std::min(end + kLineEnd.size(), text.size()));
     }
 }

@@ -12,7 +12,7 @@ namespace zrhttp {
 // While it lives.
 class FailureRecords {
 public:
-    // The texts so far, oldest first, a line of a text an element; UTF-8. Any thread.
+    // The texts so far, oldest first, a line of a text an element, each once; UTF-8. Any thread.
     std::vector<std::string> Lines() const;
     // The log holds them too.
     bool AreInLog() const;

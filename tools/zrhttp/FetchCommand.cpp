@@ -1,8 +1,6 @@
 #include <memory>
 
 #include <CLI/CLI.hpp>
-#include <ZrHbResultCodes.h>
-#include <platform/UserPaths.h>
 
 #include "zrhttp/Commands.h"
 #include "zrhttp/Errors.h"
@@ -69,6 +67,9 @@ void DeclareWaiting(CLI::App& command, FetchOptions& options) {
 void DeclareResult(CLI::App& command, FetchOptions& options) {
     auto* output = command.add_option(
         "--output", options.output, "Write the page's exact bytes to a file; - is standard output");
+    command.add_flag("--fail", options.fail,
+                     "Fail, and write no page, when the server answers with a status of 400 or "
+                     "above");
     auto* save =
         command.add_option("--save", options.save, "Save the page as text with CR LF line ends");
     auto* collect = command.add_flag("--collect", options.collect,
@@ -101,30 +102,21 @@ void CheckCombination(const FetchOptions& options) {
         throw UsageError("--collect: needs an --idle-timeout to end with --via application");
     if (!options.headers.empty() && !options.post && !options.postFile)
         throw UsageError("--header: sent with --post or --post-file only");
-    if (options.save && !options.titles.empty())
-        throw UsageError("--title: has no effect with --save");
     if (options.json && options.output == "-")
         throw UsageError("--json: takes standard output for itself, --output must be a file");
     if (options.output && options.output->empty()) throw UsageError("--output: is empty");
 }
 
 // A page whose file cannot be written fails before anything is sent.
-void CheckSaveFile(const std::string& path) {
-    CString local;
-    if (path.empty() || !platform::LocalFileName(path.c_str(), local))
-        throw ToolError(static_cast<int>(ZRHB_SAVE_FAILED), "26: cannot write '" + path + "'");
-    try {
-        OutputFile::CheckWritable(local.GetString());
-    } catch (const SystemError& error) {
-        throw ToolError(static_cast<int>(ZRHB_SAVE_FAILED), std::string("26: ") + error.what());
-    }
+void CheckFiles(const FetchOptions& options) {
+    if (options.output && *options.output != "-") OutputFile::CheckWritable(*options.output);
+    if (options.save) WriteSaveFile(*options.save, std::nullopt);
 }
 
 int RunFetch(const FetchOptions& options) {
     CheckCombination(options);
     const FetchRequest request = MakeFetchRequest(options);
-    if (options.output && *options.output != "-") OutputFile::CheckWritable(*options.output);
-    if (options.save) CheckSaveFile(*options.save);
+    CheckFiles(options);
     return ReportFetch(options, FetchPage(options, request));
 }
 

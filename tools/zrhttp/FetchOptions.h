@@ -19,6 +19,7 @@ struct FetchOptions {
     std::uint32_t idleTimeout = 15000; // milliseconds loaded and idle; 0: none
     bool largeData = false;
     bool collect = false;
+    bool fail = false; // for an error page
     std::optional<std::string> contentType;
     std::optional<std::string> output;
     std::optional<std::string> save;

@@ -6,12 +6,14 @@
 #include <utility>
 
 #include <platform/UserPaths.h>
+#include <unistd.h>
 
 #include "zrhttp/CharacterSets.h"
 #include "zrhttp/Errors.h"
 #include "zrhttp/HttpGrammar.h"
 #include "zrhttp/InputFile.h"
 #include "zrhttp/Terminal.h"
+#include "zrhttp/TypedSecret.h"
 
 namespace zrhttp {
 namespace {
@@ -99,7 +101,8 @@ private:
     void ReadSecret(FormPart& part, const std::string& name, const std::string& path) {
         if (path == "-" && std::exchange(m_hasReadInput, true))
             throw UsageError("--secret: standard input can be read once only");
-        std::string value = ReadInput(path);
+        const bool isTyped = path == "-" && IsTerminal(STDIN_FILENO);
+        std::string value = isTyped ? TypedSecret(name) : ReadInput(path);
         const std::size_t lineEnd = value.ends_with("\r\n") ? 2 : value.ends_with('\n') ? 1 : 0;
         value.resize(value.size() - lineEnd);
         if (value.empty()) throw UsageError("--secret: '" + path + "' is empty");

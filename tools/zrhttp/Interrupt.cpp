@@ -17,7 +17,7 @@ void Request(int signalNumber) {
 
 void Install(int signalNumber, struct sigaction& previous) {
     sigaction(signalNumber, nullptr, &previous);
-    if (previous.sa_handler == SIG_IGN) return;
+    if (signalNumber == SIGHUP && previous.sa_handler == SIG_IGN) return; // nohup
     struct sigaction action {};
     action.sa_handler = Request;
     // SA_RESETHAND: the second signal finds the default action and ends a process that hangs.

@@ -8,7 +8,7 @@
 namespace zrhttp {
 
 // While one exists, the first SIGINT, SIGTERM, SIGHUP or SIGQUIT only sets a mark, and a second
-// one of its kind ends the process. What the process was started to ignore, it ignores.
+// one of its kind ends the process. A SIGHUP that is ignored (nohup) stays so.
 class Interrupt {
 public:
     Interrupt();

@@ -5,11 +5,11 @@
 
 #include <ZrHbUHttpGet.h>
 #include <platform/CodePage.h>
-#include <platform/File.h>
 #include <platform/Secrets.h>
 #include <platform/Window.h>
 
 #include "zrhttp/CharacterSets.h"
+#include "zrhttp/CreatedControl.h"
 #include "zrhttp/Interrupt.h"
 #include "zrhttp/Terminal.h"
 
@@ -29,6 +29,7 @@ public:
         m_result.longestIdle = m_getter.GetLastMaxIdleTimeEncountered().GetTotalSeconds();
         AskBrowser();
         m_collector.reset();
+        m_hidden.reset();
         m_getter.Close();
         m_getter.Disconnect(0);
         // The getter names the URL as it was given.
@@ -48,15 +49,17 @@ private:
         if (m_options.contentType) m_getter.DoNextOpenForSpecialContentType(m_request.contentType);
         code = Open();
         if (code != ZRHB_OK) return code;
-        if (m_options.save) return ReadAndSave();
+        if (m_options.save) return ReadLines();
         if (m_options.collect && m_isApplication) return Collect();
         // A recording is made of pages that are read as text.
-        return TrafficOf(m_options.url).isRecorded ? Read(CString())
-                                                   : Read(CByteBuffer(65536, 65536));
+        CString text;
+        CByteBuffer bytes(65536, 65536);
+        return TrafficOf(m_options.url).isRecorded ? Read(text) : Read(bytes);
     }
 
     DWORD Connect() {
         ChooseEngine();
+        if (m_options.via == "hidden") m_hidden.emplace();
         const auto variant =
             m_options.via == "hidden" ? CZrHbUHttpGet::eInvisible : CZrHbUHttpGet::eVisible;
         // What never shows needs a window to belong to.
@@ -83,7 +86,7 @@ private:
     }
 
     template <class TPage>
-    DWORD Read(TPage page) {
+    DWORD Read(TPage& page) {
         CString url;
         const DWORD code =
             m_getter.BusyRead2(page, m_error, url, &m_request.titles, m_options.timeout,
@@ -123,13 +126,14 @@ private:
         return std::string(page.GetData(), page.GetData() + page.GetSize());
     }
 
-    DWORD ReadAndSave() {
-        const DWORD code =
-            m_getter.BusyReadSave(CString(m_options.save->c_str()), m_error, m_options.timeout,
-                                  m_options.largeData, OnWaiting, this);
-        CFile saved;
-        if (code == ZRHB_OK && saved.Open(m_options.save->c_str(), CFile::modeRead))
-            m_result.length = saved.GetLength();
+    // As the getter saves pages, for a file that appears when it is complete.
+    DWORD ReadLines() {
+        CString page;
+        const DWORD code = Read(page);
+        page.Replace("\r\n", "\n");
+        page.Replace("\n", "\r\n");
+        m_result.page = BytesOf(page);
+        m_result.length = m_result.page.size();
         return code;
     }
 
@@ -137,11 +141,16 @@ private:
     void AskBrowser() {
         CZrHbUHttpGet::HandleWinMessageQueue();
         if (m_collector) m_result.pages = m_collector->TakePages();
-        IWebBrowser2* browser = m_getter.Get_IWebBrowser2_ptr();
+        IWebBrowser2* browser = m_hidden ? m_hidden->Browser() : m_getter.Get_IWebBrowser2_ptr();
         if (!browser) return;
         CComBSTR status;
         if (SUCCEEDED(browser->get_StatusText(&status)))
             m_result.status = platform::MaskSecrets(platform::Utf8FromWide(status.View()));
+        CComPtr<IPageReply> reply;
+        LONG httpStatus = 0;
+        if (SUCCEEDED(browser->QueryInterface(IPageReply::Iid, reinterpret_cast<void**>(&reply))) &&
+            SUCCEEDED(reply->get_Status(&httpStatus)) && httpStatus != 0)
+            m_result.httpStatus = static_cast<int>(httpStatus);
         CComBSTR location;
         if (m_result.url.empty() && SUCCEEDED(browser->get_LocationURL(&location)))
             m_result.url = platform::Utf8FromWide(location.View());
@@ -157,6 +166,7 @@ private:
     const Interrupt m_interrupt;
     Progress m_progress;
     CZrHbUHttpGet m_getter{eAppGroup_2};
+    std::optional<CreatedControl> m_hidden; // which the getter does not hand out
     std::optional<PageCollector> m_collector;
     const bool m_isApplication = m_options.via == "application";
     CString m_error;

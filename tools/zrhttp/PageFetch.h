@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,11 @@ namespace zrhttp {
 
 struct FetchResult {
     std::uint32_t code = 0;
-    std::string error;  // the getter's text; UTF-8
-    std::string status; // why the browser failed, in its words; UTF-8
-    std::string url;    // where the page came from; UTF-8
-    std::string page;   // bytes; empty when the page was saved or failed
+    std::string error;             // the getter's text; UTF-8
+    std::string status;            // why the browser failed, in its words; UTF-8
+    std::string url;               // where the page came from; UTF-8
+    std::optional<int> httpStatus; // of the last reply
+    std::string page; // bytes; empty when the page failed; with --save lines that end in CR LF
     std::uint64_t length = 0;
     std::int64_t longestIdle = 0; // seconds
     std::chrono::milliseconds elapsed{0};

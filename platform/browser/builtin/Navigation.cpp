@@ -70,6 +70,7 @@ void Navigation::Announce(const PagePtr& page) {
     BrowserObject& face = Face(*page);
     face.SetReadyState(READYSTATE_LOADING);
     face.SetBusy(true);
+    face.SetReplyStatus(0);
     const bool isWanted = RaiseBeforeNavigate2(m_browser.Events(), face.Dispatch(), page->request);
     if (m_isAbandoned) return;
     if (isWanted) return Fetch(page);
@@ -110,6 +111,7 @@ void Navigation::OnEvent(NetworkEvent& event) {
 }
 
 void Navigation::OnHead(const PagePtr& page, const HeadReceived& head) {
+    Face(*page).SetReplyStatus(head.reply.status);
     const std::string reason = ReasonNotShown(head.reply);
     if (!reason.empty()) {
         const auto fetch = std::find_if(m_fetches.begin(), m_fetches.end(),

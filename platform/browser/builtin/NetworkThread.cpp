@@ -159,7 +159,7 @@ void NetworkThread::FetchAtOnce(const FetchRequest& request) {
     const auto report = [&](decltype(NetworkEvent::what) what) {
         m_events.push_back({request.id, std::move(what)});
     };
-    HeadReceived head{request.url, {200, "text/html", false}};
+    HeadReceived head{request.url, {0, "text/html", false}};
     PageReceived page;
     if (SchemeOf(request.url) == "file") {
         std::string fileName;

@@ -57,6 +57,7 @@ void PageLoads::BeginPages(const std::string& frame, const std::string& loader,
     BrowserObject& face = Face(*load);
     face.SetDocument(nullptr);
     face.SetStatusText({});
+    face.SetReplyStatus(0);
     face.SetReadyState(READYSTATE_LOADING);
     face.SetBusy(true);
     const bool isWanted = RaiseBeforeNavigate2(Browser().Events(), face.Dispatch(), load->request);

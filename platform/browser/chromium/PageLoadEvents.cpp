@@ -107,7 +107,9 @@ void PageLoads::OnResponse(const DevToolsEvent& event) {
     const std::string url = ShownUrl(TextOf(response, "url"));
     if (!IsHttpUrl(url) && SchemeOf(url) != "file") return;
     if (IsHttpUrl(url) || !load->isByClient) load->url = WithFragment(url, load->url);
-    const std::string reason = ReasonNotShown(TypeOf(response));
+    const ReplyType type = TypeOf(response);
+    Face(*load).SetReplyStatus(IsHttpUrl(url) ? type.status : 0);
+    const std::string reason = ReasonNotShown(type);
     if (!reason.empty()) {
         if (IsTop(load->frame)) m_page.Send("Page.stopLoading");
         return Fail(load, reason, Aftermath::pageStays);

@@ -56,6 +56,7 @@ HRESULT BrowserObject::Navigate2(VARIANT* URL, VARIANT* Flags, VARIANT*, VARIANT
     StopLoading();
     m_document.Release();
     m_statusText.clear();
+    m_replyStatus = 0;
     m_readyState = READYSTATE_LOADING;
     m_isBusy = true;
     return StartNavigation(std::move(*request));
@@ -156,6 +157,10 @@ HRESULT BrowserObject::get_Application(IDispatch** ppApplication) {
 
 HRESULT BrowserObject::get_StatusText(BSTR* pText) {
     return Answer(IsGone(), pText, [this] { return CComBSTR(m_statusText).Detach(); });
+}
+
+HRESULT BrowserObject::get_Status(LONG* pStatus) {
+    return Answer(IsGone(), pStatus, [this] { return static_cast<LONG>(m_replyStatus); });
 }
 
 HRESULT BrowserObject::FindConnectionPoint(REFIID iid, IConnectionPoint** ppPoint) {

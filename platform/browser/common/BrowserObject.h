@@ -15,7 +15,8 @@
 namespace platform {
 
 // Belongs to the thread that makes it: calls, state and destruction all happen there.
-class BrowserObject : public ComObject<IWebBrowser2, IConnectionPointContainer, IHostedControl> {
+class BrowserObject
+    : public ComObject<IWebBrowser2, IConnectionPointContainer, IHostedControl, IPageReply> {
 public:
     BrowserObject();
 
@@ -34,6 +35,7 @@ public:
     HRESULT get_HWND(LONG_PTR* pWindow) final;
     HRESULT get_Application(IDispatch** ppApplication) final;
     HRESULT get_StatusText(BSTR* pText) final;
+    HRESULT get_Status(LONG* pStatus) final;
     HRESULT Invoke(DISPID member, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* pParams,
                    VARIANT* pResult, EXCEPINFO* pExceptInfo, UINT* pArgErr) final;
 
@@ -53,6 +55,7 @@ public:
     void SetDocument(CComPtr<IDispatch> document) { m_document = std::move(document); }
     void SetLocation(const std::string& url) { m_location = url; }
     void SetStatusText(const std::string& text) { m_statusText = text; }
+    void SetReplyStatus(int status) { m_replyStatus = status; } // HTTP; 0: none
     // The window has become visible, or not, whoever wanted it: tells the sinks.
     void NoteVisible(bool isVisible);
     // The browser has gone away by itself: as after Quit, without asking the engine for anything.
@@ -98,6 +101,7 @@ private:
     CComPtr<IDispatch> m_document;
     std::string m_location;
     std::string m_statusText;
+    int m_replyStatus = 0;
 };
 
 } // namespace platform

@@ -9,7 +9,7 @@ namespace platform {
 
 // What a reply's head says about its content.
 struct ReplyType {
-    int status = 200;
+    int status = 0;   // HTTP; 0 for what is none
     std::string type; // "text/html", lower case, without parameters; empty when not given
     bool isAttachment = false;
 };

@@ -55,6 +55,18 @@ protected:
 };
 inline constexpr const IID& IID_IWebBrowser2 = IWebBrowser2::Iid;
 
+// What a browser of this platform knows beside IWebBrowser2, asked for by QueryInterface.
+struct IPageReply : IUnknown {
+    static constexpr IID Iid{
+        0x5C0B2E74, 0x91D3, 0x4F6A, {0xB7, 0x2D, 0x16, 0x8E, 0x3A, 0xC4, 0x70, 0x5F}};
+    // The HTTP status of the reply to the last navigation, redirects followed, also of one that is
+    // not shown as a page; 0 while there is none, and for what is no HTTP (a file).
+    virtual HRESULT get_Status(LONG* pStatus) = 0;
+
+protected:
+    ~IPageReply() = default;
+};
+
 // Dispatch identifiers of IWebBrowser2.
 constexpr DISPID DISPID_READYSTATE = -525;
 constexpr DISPID DISPID_WB_NAVIGATE = 104;

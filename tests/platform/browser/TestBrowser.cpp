@@ -81,6 +81,14 @@ std::string TestBrowser::Status() const {
     return std::string(text.ToAnsi().View());
 }
 
+LONG TestBrowser::HttpStatus() const {
+    CComPtr<IPageReply> reply;
+    LONG status = -1;
+    EXPECT_EQ(S_OK, m_browser.QueryInterface(&reply));
+    EXPECT_EQ(S_OK, reply->get_Status(&status));
+    return status;
+}
+
 std::string TestBrowser::Location() const {
     CComBSTR url;
     EXPECT_EQ(S_OK, m_browser->get_LocationURL(&url));

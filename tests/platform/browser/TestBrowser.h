@@ -32,6 +32,7 @@ public:
     bool HasDocument() const;
     std::string Source() const; // "(none)" without a document
     std::string Status() const;
+    LONG HttpStatus() const;
     std::string Location() const;
 
 private:

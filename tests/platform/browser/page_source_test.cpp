@@ -114,6 +114,30 @@ TEST_F(PageSource, ATypeWithThePlainTextEntryIsShownAsText) {
         EXPECT_TRUE(m_server.Requests(path).empty()) << path;
 }
 
+TEST_F(PageSource, TheStatusIsThatOfTheLastReply) {
+    const TemporaryHome home;
+    home.WriteFile("page.txt", "x");
+    Answer missing = Html("missing");
+    missing.status = 404;
+    Answer refused = Bytes("application/json", "{}"); // is not shown
+    refused.status = 403;
+    m_server.Set("/", Redirect(302, "/missing"));
+    m_server.Set("/missing", missing);
+    m_server.Set("/refused", refused);
+    m_server.Set("/page", Html("page"));
+    m_server.Set("/nowhere", Redirect(302, "http://127.0.0.1:1/"));
+    const std::pair<std::string, LONG> replies[] = {{m_server.Url("/"), 404},
+                                                    {m_server.Url("/page"), 200},
+                                                    {m_server.Url("/refused"), 403},
+                                                    {m_server.Url("/nowhere"), 0},
+                                                    {m_server.Url("/page"), 200},
+                                                    {home.Path("page.txt"), 0}};
+    for (const auto& [url, status] : replies) {
+        m_browser.Load(url);
+        EXPECT_EQ(status, m_browser.HttpStatus()) << url;
+    }
+}
+
 TEST(FilePage, IsReadFromDrivePathAbsolutePathAndUrl) {
     TemporaryHome home;
     home.WriteFile("drive_c/Bank/St\xE4rt.htm", "<iframe src='sub/frame.htm'></iframe>");
