@@ -165,11 +165,11 @@ TEST_F(Fetch, OneCtrlCEndsAShellsLoop) {
     while (server.Requests("/").empty())
         std::this_thread::yield();
     shell.TypeAfter("bytes", "\x03");
+    answer.gate->Open();
     const auto run = shell.Wait();
     EXPECT_EQ(run.exitStatus, 128 + SIGINT);
     EXPECT_THAT(run.output, Not(HasSubstr("over")));
     EXPECT_EQ(server.Requests("/").size(), 1u);
-    answer.gate->Open();
 }
 
 TEST_F(Fetch, ControlCharactersDoNotReachATerminal) {

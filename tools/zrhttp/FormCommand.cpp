@@ -49,7 +49,7 @@ void DeclareEntries(CLI::App& command, EntryOptions& entries) {
                     "a name that is given again replaces the first one in its place");
     entries.Declare(command, Kind::Secret, "--secret", "NAME=@FILE",
                     "A confidential field whose value is a file's text without the line end; @- "
-                    "is standard input");
+                    "is standard input, of which a terminal shows nothing: a line, then Enter");
     entries.Declare(command, Kind::File, "--file", "NAME=PATH[;TYPE]",
                     "A file; TYPE is text/plain (text) or application/octet-stream (binary), the "
                     "default");

@@ -126,12 +126,10 @@ TEST_F(PageSource, TheStatusIsThatOfTheLastReply) {
     m_server.Set("/refused", refused);
     m_server.Set("/page", Html("page"));
     m_server.Set("/nowhere", Redirect(302, "http://127.0.0.1:1/"));
-    const std::pair<std::string, LONG> replies[] = {{m_server.Url("/"), 404},
-                                                    {m_server.Url("/page"), 200},
-                                                    {m_server.Url("/refused"), 403},
-                                                    {m_server.Url("/nowhere"), 0},
-                                                    {m_server.Url("/page"), 200},
-                                                    {home.Path("page.txt"), 0}};
+    const std::pair<std::string, LONG> replies[] = {
+        {m_server.Url("/"), 404},        {m_server.Url("/page"), 200},
+        {m_server.Url("/refused"), 403}, {m_server.Url("/nowhere"), 0},
+        {m_server.Url("/page"), 200},    {home.Path("page.txt"), 0}};
     for (const auto& [url, status] : replies) {
         m_browser.Load(url);
         EXPECT_EQ(status, m_browser.HttpStatus()) << url;
