@@ -15,14 +15,23 @@
 namespace platform {
 namespace {
 
+constexpr int kLinks = 40;  // that are followed
 constexpr int kNames = 100; // that are tried before a directory is given up
 constexpr mode_t kUserOnly = S_IRUSR | S_IWUSR;
 constexpr mode_t kEverybody = kUserOnly | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
+// Also behind a link whose file is still to be made.
 std::string BehindLinks(const std::string& name) {
+    namespace fs = std::filesystem;
     std::error_code ignored;
-    const auto target = std::filesystem::weakly_canonical(name, ignored);
-    return target.empty() ? name : target.string();
+    fs::path target = name;
+    for (int links = 0; links < kLinks && !fs::exists(target, ignored); ++links) {
+        const fs::path next = fs::read_symlink(target, ignored);
+        if (next.empty()) break;
+        target = target.parent_path() / next;
+    }
+    const fs::path real = fs::weakly_canonical(target, ignored);
+    return real.empty() ? target.string() : real.string();
 }
 
 std::string DirectoryOf(const std::string& name) {
