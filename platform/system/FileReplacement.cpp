@@ -1,44 +1,24 @@
 #include <platform/FileReplacement.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <random>
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include "system/FilePath.h"
 #include "system/OwnedDescriptor.h"
 
 namespace platform {
 namespace {
 
-constexpr int kLinks = 40;  // that are followed
 constexpr int kNames = 100; // that are tried before a directory is given up
 constexpr mode_t kUserOnly = S_IRUSR | S_IWUSR;
 constexpr mode_t kEverybody = kUserOnly | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
 // Also behind a link whose file is still to be made.
-std::string BehindLinks(const std::string& name) {
-    namespace fs = std::filesystem;
-    std::error_code ignored;
-    fs::path target = name;
-    for (int links = 0; links < kLinks && !fs::exists(target, ignored); ++links) {
-        const fs::path next = fs::read_symlink(target, ignored);
-        if (next.empty()) break;
-        target = target.parent_path() / next;
-    }
-    const fs::path real = fs::weakly_canonical(target, ignored);
-    return real.empty() ? target.string() : real.string();
-}
-
-std::string DirectoryOf(const std::string& name) {
-    const std::size_t slash = name.rfind('/');
-    return slash == std::string::npos ? "." : name.substr(0, std::max<std::size_t>(slash, 1));
-}
-
 std::string NameOf(int descriptor) {
     return "/proc/self/fd/" + std::to_string(descriptor);
 }
@@ -95,6 +75,7 @@ FileReplacement::~FileReplacement() {
 
 int FileReplacement::Open(const std::string& name, Access access) {
     m_target = BehindLinks(name);
+    m_isFlushed = access == Access::userOnly;
     struct stat before {};
     const bool exists = stat(m_target.c_str(), &before) == 0;
     if (exists && S_ISDIR(before.st_mode)) return EISDIR;
@@ -134,7 +115,7 @@ int FileReplacement::Write(std::string_view bytes) {
 
 int FileReplacement::Commit() {
     if (!m_isSpecial) {
-        if (fsync(m_descriptor) != 0 && errno != EINVAL) return errno;
+        if (m_isFlushed && fsync(m_descriptor) != 0 && errno != EINVAL) return errno;
         if (const int error = TakeName()) return error;
     }
     const int descriptor = std::exchange(m_descriptor, -1);
@@ -155,7 +136,7 @@ int FileReplacement::TakeName() {
     }
     if (!m_temporary.empty() && rename(m_temporary.c_str(), m_target.c_str()) != 0) return errno;
     m_temporary.clear();
-    FlushDirectoryOf(m_target);
+    if (m_isFlushed) FlushDirectoryOf(m_target);
     return 0;
 }
 

@@ -7,6 +7,7 @@
 #include <platform/Diagnostics.h>
 #include <platform/LastError.h>
 
+#include "system/FilePath.h"
 #include "system/WholeFile.h"
 
 namespace platform {
@@ -47,7 +48,7 @@ int ReadIniText(const CString& localName, std::string& text) {
 }
 
 IniWriter::IniWriter(const CString& localName)
-    : m_fileName(WithoutLink(localName.GetString())), m_lock(m_fileName), m_document({}),
+    : m_fileName(BehindLinks(localName.GetString())), m_lock(m_fileName), m_document({}),
       m_error(Read()) {}
 
 DWORD IniWriter::Read() {

@@ -5,8 +5,8 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include "system/FilePath.h"
 #include "system/FileWait.h"
-#include "system/WholeFile.h"
 
 namespace platform {
 

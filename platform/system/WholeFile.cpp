@@ -10,7 +10,6 @@
 #include "system/OwnedDescriptor.h"
 
 namespace platform {
-
 namespace {
 
 int ReadAtMost(int descriptor, std::size_t limit, std::string& content) {
@@ -42,19 +41,6 @@ int ReplaceWholeFile(const std::string& name, std::string_view content) {
     if (const int error = file.Open(name, FileReplacement::Access::userOnly)) return error;
     if (const int error = file.Write(content)) return error;
     return file.Commit();
-}
-
-std::string WithoutLink(const std::string& name) {
-    struct Free {
-        void operator()(char* text) const { std::free(text); }
-    };
-    const std::unique_ptr<char, Free> real(realpath(name.c_str(), nullptr));
-    return real ? std::string(real.get()) : name;
-}
-
-std::string DirectoryOf(const std::string& name) {
-    const std::size_t slash = name.rfind('/');
-    return slash == std::string::npos ? "." : name.substr(0, std::max<std::size_t>(slash, 1));
 }
 
 } // namespace platform

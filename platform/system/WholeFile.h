@@ -15,9 +15,4 @@ int ReadWholeFile(const std::string& name, std::size_t limit, std::string& conte
 // disk when it returns. On failure the old file stands and nothing else is left.
 int ReplaceWholeFile(const std::string& name, std::string_view content);
 
-// What a symbolic link leads to; the name itself when it is none or leads nowhere.
-std::string WithoutLink(const std::string& name);
-// "." for a name without a directory.
-std::string DirectoryOf(const std::string& name);
-
 } // namespace platform

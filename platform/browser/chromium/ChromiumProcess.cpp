@@ -141,8 +141,7 @@ CertificateProblem TrustFurtherCertificates(const std::string& profile) {
 
 class RunningChromium final : public ChromiumProcess {
 public:
-    RunningChromium(std::shared_ptr<Supervision> supervision,
-                    CertificateProblem certificateProblem)
+    RunningChromium(std::shared_ptr<Supervision> supervision, CertificateProblem certificateProblem)
         : m_supervision(std::move(supervision)),
           m_certificateProblem(std::move(certificateProblem)) {}
     ~RunningChromium() override { Quit(); }

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include <platform/Export.h>
+#include "Export.h"
 
 ZRHB_EXPORT_BEGIN
 
@@ -25,7 +25,7 @@ public:
     enum class Access {
         shared,   // of the file that is replaced, with its owner where possible; of a new one as
                   // the user's mask says
-        userOnly, // 0600
+        userOnly, // 0600; on the disk when Commit returns
     };
 
     FileReplacement() = default;
@@ -37,7 +37,7 @@ public:
     // the system, no drive path.
     int Open(const std::string& name, Access access);
     int Write(std::string_view bytes);
-    // Flushes the content to the disk and gives it its name.
+    // Gives the content its name.
     int Commit();
 
     // Opens the content in this process, until Commit, for those who take a file's name.
@@ -53,6 +53,7 @@ private:
     std::string m_temporary; // empty when the content has no name
     int m_descriptor = -1;
     bool m_isSpecial = false;
+    bool m_isFlushed = false; // to the disk
 };
 
 } // namespace platform

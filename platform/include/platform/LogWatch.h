@@ -5,8 +5,8 @@
 #include <list>
 #include <string_view>
 
-#include <platform/Diagnostics.h>
-#include <platform/Export.h>
+#include "Diagnostics.h"
+#include "Export.h"
 
 ZRHB_EXPORT_BEGIN
 
