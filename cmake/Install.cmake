@@ -36,28 +36,72 @@ install(FILES ${PAGES}/zrhttp.bash RENAME zrhttp
 install(FILES ${PAGES}/_zrhttp
   DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tool)
 
+set(RUNTIME_PACKAGE libzrhttpbase3-${PROJECT_VERSION_MAJOR})
+set(DEVELOPMENT_PACKAGE libzrhttpbase3-dev)
+set(TOOL_PACKAGE zrhttp)
+set(CPACK_PACKAGE_CONTACT "ZrHttpBase3 developers <zrhttpbase3@example.org>")
+
+# What the headers compiled into library and tool want to be passed on with them: the terms, as the
+# system's copyright file of the package has them.
+function(read_terms VARIABLE LICENCE PACKAGE)
+  set(FILE /usr/share/doc/${PACKAGE}/copyright)
+  set(TERMS " As in the file \"copyright\" of ${PACKAGE}.\n")
+  if(EXISTS ${FILE})
+    file(READ ${FILE} TEXT)
+    if(TEXT MATCHES "\n\nLicense: ${LICENCE}\n(( [^\n]*\n)+)")
+      set(TERMS "${CMAKE_MATCH_1}")
+    endif()
+  endif()
+  set(${VARIABLE} "${TERMS}" PARENT_SCOPE)
+endfunction()
+read_terms(EXPAT_TERMS Expat nlohmann-json3-dev)
+read_terms(BSD_3_CLAUSE_TERMS BSD-3-clause libcli11-dev)
+configure_file(${PROJECT_SOURCE_DIR}/tools/package/copyright.in ${PROJECT_BINARY_DIR}/copyright
+  @ONLY)
+
+foreach(COMPONENT runtime development tool)
+  string(TOUPPER ${COMPONENT} PART)
+  set(${PART}_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/${${PART}_PACKAGE})
+  install(FILES ${PROJECT_BINARY_DIR}/copyright ${PROJECT_SOURCE_DIR}/README.md
+    ${PROJECT_SOURCE_DIR}/SECURITY.md
+    DESTINATION ${${PART}_DOCUMENTS} COMPONENT ${COMPONENT})
+endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
+  DESTINATION ${DEVELOPMENT_DOCUMENTS} COMPONENT development
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp" PATTERN "CMakeLists.txt"
+  PATTERN bank-site EXCLUDE)
+
+# A project around this one packs for itself.
+if(NOT PROJECT_IS_TOP_LEVEL)
+  return()
+endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zrhttpbase3)
 set(CPACK_PACKAGE_VENDOR "ZrHttpBase3 developers")
-set(CPACK_PACKAGE_CONTACT "ZrHttpBase3 developers <zrhttpbase3@example.org>")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL runtime development tool)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+  GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/tools/package/FinishPackages.cmake)
+set(CPACK_ZRHTTP_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_PACKAGE_SOURCE zrhttpbase3)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
 
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libzrhttpbase3-${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${RUNTIME_PACKAGE})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "chromium, ca-certificates")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libzrhttpbase3-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${DEVELOPMENT_PACKAGE})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_TOOL_PACKAGE_NAME zrhttp)
+set(CPACK_DEBIAN_TOOL_PACKAGE_NAME ${TOOL_PACKAGE})
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION web)
 
 include(CPack)

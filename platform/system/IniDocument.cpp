@@ -167,7 +167,9 @@ void IniDocument::Set(std::string_view section, std::string_view key, std::strin
     } else if (place.hasSection) {
         InsertLine(place.sectionEnd, entry);
     } else {
-        InsertLine(m_text.size(), "[" + std::string(TrimIniBlanks(section)) + "]");
+        std::string heading = "[";
+        heading.append(TrimIniBlanks(section)).append("]");
+        InsertLine(m_text.size(), heading);
         InsertLine(m_text.size(), entry);
     }
 }

@@ -64,7 +64,7 @@ public:
     // printf formatting; the text may grow without limit. Arguments may point into this text. Empty
     // when the format is faulty.
     void Format(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
-    void FormatV(const char* pszFormat, std::va_list args);
+    void FormatV(const char* pszFormat, std::va_list args) __attribute__((format(printf, 2, 0)));
 
     // Loads a string resource from the registered modules (see Resources.h). FALSE, and an empty
     // text, when there is none or it is empty.
