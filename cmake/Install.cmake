@@ -63,13 +63,15 @@ foreach(COMPONENT runtime development tool)
   string(TOUPPER ${COMPONENT} PART)
   set(${PART}_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/${${PART}_PACKAGE})
   install(FILES ${PROJECT_BINARY_DIR}/copyright ${PROJECT_SOURCE_DIR}/README.md
-    ${PROJECT_SOURCE_DIR}/SECURITY.md
+    ${PROJECT_SOURCE_DIR}/SECURITY.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
     DESTINATION ${${PART}_DOCUMENTS} COMPONENT ${COMPONENT})
 endforeach()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
   DESTINATION ${DEVELOPMENT_DOCUMENTS} COMPONENT development
   FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp" PATTERN "CMakeLists.txt"
   PATTERN bank-site EXCLUDE)
+install(FILES ${PROJECT_SOURCE_DIR}/bench/README.md ${PROJECT_SOURCE_DIR}/bench/RESULTS.md
+  DESTINATION ${DEVELOPMENT_DOCUMENTS}/bench COMPONENT development)
 
 # A project around this one packs for itself.
 if(NOT PROJECT_IS_TOP_LEVEL)
@@ -87,7 +89,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
   GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/tools/package/FinishPackages.cmake)
-set(CPACK_ZRHTTP_SOURCE_DIR ${PROJECT_SOURCE_DIR})
+set(CPACK_ZRHTTP_CHANGELOG ${PROJECT_SOURCE_DIR}/tools/package/changelog)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_PACKAGE_SOURCE zrhttpbase3)
@@ -97,7 +99,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${RUNTIME_PACKAGE})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+configure_file(${PROJECT_SOURCE_DIR}/tools/package/shlibs.in ${PROJECT_BINARY_DIR}/shlibs @ONLY)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/shlibs
+  ${PROJECT_SOURCE_DIR}/tools/package/triggers)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "chromium, ca-certificates")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${DEVELOPMENT_PACKAGE})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -105,9 +109,15 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_NAME ${TOOL_PACKAGE})
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION web)
 
 include(CPack)
-cpack_add_component(runtime
-  DESCRIPTION "HTTP base library of an e-banking client\n Fetches and submits pages through a browser, downloads files, composes forms and\n takes replies apart.")
+cpack_add_component(runtime DESCRIPTION "HTTP base library of an e-banking client
+Fetches and submits web pages by driving a browser, one in the program or a
+Chromium, and hands back exactly the bytes that the server sent. Downloads
+files, composes forms and headers, and takes replies apart.")
 cpack_add_component(development DEPENDS runtime
-  DESCRIPTION "HTTP base library of an e-banking client: headers\n What building against the library needs, with a CMake package and a pkg-config file.")
+  DESCRIPTION "HTTP base library of an e-banking client: headers
+What building against the library needs: its headers, a CMake package and a
+pkg-config file, with the documents and an example for each task.")
 cpack_add_component(tool DEPENDS runtime
-  DESCRIPTION "Command-line tool of an e-banking client's HTTP base library\n Fetches and submits pages, downloads files, composes forms and reads replies.")
+  DESCRIPTION "Command-line tool of an e-banking client's HTTP base library
+Fetches and submits pages by driving a browser, downloads files, composes
+forms and reads replies. With a manual page and completions for bash and zsh.")

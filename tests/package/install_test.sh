@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes the Debian packages, installs them into an empty tree, builds a consumer against that tree
 # by CMake and by pkg-config, runs it and the tool, removes the packages: nothing may be left. The
-# headers compile beside those of another project, as installed and where they are.
+# headers compile beside those of another project, as installed and where they are. Then a prefix of
+# its own, and the consumer with the sources inside.
 #
 # usage: install_test.sh BUILD-FOLDER
 set -euo pipefail
@@ -29,7 +30,12 @@ own_files() {
 mkdir -p "$root"/var/lib/dpkg/{updates,info}
 touch "$root"/var/lib/dpkg/{status,available}
 manage --install "$work"/packages/*.deb
-[[ $(own_files | wc -l) -gt 40 ]] || fail "too little is installed: $(own_files)"
+for file in /{libzrhttpbase3-3,libzrhttpbase3-dev,zrhttp}/{copyright,changelog.gz,README.md} \
+  /libzrhttpbase3-dev/{docs/index.md,examples/{fetch.cpp,CMakeLists.txt}} ../man/man1/zrhttp.1.gz; do
+  [[ -s $root/usr/share/doc/$file ]] || fail "$file is not installed"
+done
+[[ $(grep -cE '^ (Permission is|Redistribution and)' "$root/usr/share/doc/zrhttp/copyright") == 2 ]] ||
+  fail "the copyright file lacks the terms of what is compiled in"
 
 library=$(dirname "$(find "$root" -name libZrHttpBase3.so)")
 export LD_LIBRARY_PATH=$library ZRHTTP_HOME=$work/home
@@ -54,9 +60,23 @@ for headers in "$root/usr/include/zrhttpbase3" "$here/../../include"; do
 done
 
 "$root/usr/bin/zrhttp" version >/dev/null || fail "the tool does not run"
-man -l --warnings "$root/usr/share/man/man1/zrhttp.1" 2>&1 >/dev/null | grep . &&
+man -l --warnings "$root/usr/share/man/man1/zrhttp.1.gz" 2>&1 >/dev/null | grep . &&
   fail "the man page is malformed"
 bash -n "$root/usr/share/bash-completion/completions/zrhttp"
 
 manage --purge zrhttp libzrhttpbase3-dev libzrhttpbase3-3
 [[ -z $(own_files) ]] || fail "left behind: $(own_files)"
+
+unset LD_LIBRARY_PATH
+cmake --install "$build" --prefix "$work/a prefix" >"$work/out" || fail "install: $(cat "$work/out")"
+"$work/a prefix/bin/zrhttp" version >/dev/null || fail "the tool does not find its library"
+
+for compiler in g++ clang++; do
+  command -v "$compiler" >/dev/null || continue
+  cmake -S "$here/consumer" -B "$work/$compiler" -DCMAKE_CXX_COMPILER="$compiler" -DBUILD_TESTING=ON \
+    -DZRHTTP_SOURCE="$here/../.." >"$work/out" 2>&1 || fail "as a part: $(cat "$work/out")"
+  commands=$work/$compiler/compile_commands.json
+  grep -q '"file": .*/tools/' "$commands" || fail "$commands lacks the tool"
+  ! grep -E -e '"file": .*/(tests|bench|examples)/' -e -Werror "$commands" ||
+    fail "as a part of a project it has the above"
+done

@@ -8,9 +8,10 @@ endif()
 foreach(TREE ${TREES})
   file(GLOB DOCUMENTS ${TREE}/share/doc/*)
   execute_process(
-    COMMAND ${CPACK_ZRHTTP_SOURCE_DIR}/tools/package/changelog ${CPACK_ZRHTTP_SOURCE_DIR}/CHANGELOG.md
-      ${CPACK_PACKAGE_NAME} ${CPACK_PACKAGE_CONTACT}
+    COMMAND ${CPACK_ZRHTTP_CHANGELOG} ${DOCUMENTS}/CHANGELOG.md ${CPACK_PACKAGE_NAME}
+      ${CPACK_PACKAGE_CONTACT}
     OUTPUT_FILE ${DOCUMENTS}/changelog COMMAND_ERROR_IS_FATAL ANY)
+  file(REMOVE ${DOCUMENTS}/CHANGELOG.md)
   file(GLOB PAGES ${TREE}/share/man/man1/*.1)
   execute_process(COMMAND gzip -9n ${DOCUMENTS}/changelog ${PAGES} COMMAND_ERROR_IS_FATAL ANY)
   # The system finds the library in its own place.
