@@ -100,6 +100,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${RUNTIME_PACKAGE})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 configure_file(${PROJECT_SOURCE_DIR}/tools/package/shlibs.in ${PROJECT_BINARY_DIR}/shlibs @ONLY)
+# By the trigger the linker's cache is renewed as Debian wants it; CPack adds scripts that do it too.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/shlibs
   ${PROJECT_SOURCE_DIR}/tools/package/triggers)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "chromium, ca-certificates")
