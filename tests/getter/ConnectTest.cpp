@@ -1,5 +1,7 @@
 // Connecting: configuration, the choice of the back-end, traces, failures, copies.
 
+#include <utility>
+
 #include <platform/Exceptions.h>
 #include <platform/LastError.h>
 
@@ -189,7 +191,7 @@ TEST_F(ConnectTest, ACopyHasEverythingButTheBrowser) {
     CZrHbUHttpGet assigned(eAppGroup_1);
     Connect(assigned);
     assigned = getter;
-    getter = getter;
+    getter = std::as_const(getter); // itself
     EXPECT_TRUE(getter.IsConnected());
     for (CZrHbUHttpGet* other : {&copy, &assigned}) {
         EXPECT_FALSE(other->IsConnected());
