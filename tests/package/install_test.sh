@@ -36,6 +36,9 @@ for file in /{libzrhttpbase3-3,libzrhttpbase3-dev,zrhttp}/{copyright,changelog.g
 done
 [[ $(grep -cE '^ (Permission is|Redistribution and)' "$root/usr/share/doc/zrhttp/copyright") == 2 ]] ||
   fail "the copyright file lacks the terms of what is compiled in"
+for library in $(sed -n '/^Depends: /{s///;s/([^)]*)//g;s/,//g;p}' "$root/var/lib/dpkg/status"); do
+  grep -q "\b$library\b" "$root/usr/share/doc/zrhttp/copyright" || fail "no terms of $library"
+done
 
 library=$(dirname "$(find "$root" -name libZrHttpBase3.so)")
 export LD_LIBRARY_PATH=$library ZRHTTP_HOME=$work/home
