@@ -164,7 +164,9 @@ TEST_F(DownloadCommand, AReplyThatIsNoFileNamesItsCause) {
     server.Set("/other", "HTTP/1.1 499 -\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n\r\n");
     const std::tuple<const char*, Words, const char*> replies[] = {
         {"/cut", {}, "incomplete: 4 of 9 bytes\nInternetReadFile() -> "},
-        {"/chunks", {}, "incomplete: the connection broke off after 2 bytes\nInternetReadFile() -> "},
+        {"/chunks",
+         {},
+         "incomplete: the connection broke off after 2 bytes\nInternetReadFile() -> "},
         {"/halt", {"--timeout", "300"}, "incomplete: 4 of 9 bytes, no progress within 300 ms\n"},
         {"/secret", {"--keep-error-page"}, "401 Unauthorized: the server wants credentials\n"},
         {"/gone", {}, "404 Not Found\n"},
