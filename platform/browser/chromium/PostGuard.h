@@ -59,7 +59,6 @@ private:
     std::optional<ConnectionCloser::Which> WhatToClose(const Post& post) const;
     void Close(ConnectionCloser::Which which);
     void OnClosed(ConnectionCloser::Outcome outcome);
-    void Judge(ConnectionCloser::Outcome outcome);
     void LetGo(const Post& post, ConnectionCloser::Outcome outcome);
     void Continue(const std::string& request);
     void Refuse(const std::string& request, const char* pszReason);
