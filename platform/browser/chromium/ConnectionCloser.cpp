@@ -8,7 +8,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr const char* kPage = "chrome://net-internals/#sockets";
-constexpr auto kPatience = 10s;
+constexpr auto kAnswerPatience = 10s;
 // The page is being shown while it is asked; each of its documents on the way drops the question.
 constexpr int kMaxTries = 20;
 constexpr const char* kNoSuchPage = "no such page";
@@ -39,7 +39,7 @@ std::string Script(ConnectionCloser::Which which) {
 void ConnectionCloser::Close(Which which, Done done) {
     m_which = which;
     m_done = std::move(done);
-    m_deadline = std::chrono::steady_clock::now() + kPatience;
+    m_deadline = std::chrono::steady_clock::now() + kAnswerPatience;
     m_tries = 0;
     if (m_session.empty())
         MakePage();

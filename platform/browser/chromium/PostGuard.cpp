@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 // Numbers of calls that are the guard's, far from its owner's.
 constexpr int kFirstCall = 1 << 30;
 // For other requests of the page, which a frame's post data would otherwise end.
-constexpr auto kPatience = 1s;
+constexpr auto kQuietPatience = 1s;
 
 // What may carry post data, and what the browser asks for by itself.
 constexpr std::array kTypes{"Document", "XHR", "Fetch", "Ping", "Other"};
@@ -94,7 +94,7 @@ void PostGuard::OnPaused(const Json& params) {
               network,
               {},
               TextOf(params, "resourceType") == "Document",
-              std::chrono::steady_clock::now() + kPatience};
+              std::chrono::steady_clock::now() + kQuietPatience};
     const std::string frame = TextOf(params, "frameId");
     if (post.isNavigation && m_activity.IsPage(frame)) post.page = frame;
     m_posts.push_back(std::move(post));

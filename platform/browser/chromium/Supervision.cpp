@@ -14,7 +14,7 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr auto kLook = 20ms;
 constexpr auto kBrowserPatience = 2s;
-constexpr auto kPatience = 10s;
+constexpr auto kEndPatience = 10s;
 
 } // namespace
 
@@ -46,7 +46,7 @@ void Supervision::SeeToTheEnd() {
     const auto begin = SteadyClock::now();
     std::error_code error;
     while (std::filesystem::exists(m_profile.path, error) &&
-           SteadyClock::now() - begin < kPatience) {
+           SteadyClock::now() - begin < kEndPatience) {
         if (SteadyClock::now() - begin > kBrowserPatience)
             End();
         else
