@@ -3,7 +3,8 @@
 namespace platform {
 
 std::size_t BrotliDecoder::Decode(std::string_view& input, void* output, std::size_t room) {
-    if (m_isOver || m_isBroken) return 0; // what follows the end is padding
+    if (m_isOver) input = {}; // what follows the end is padding
+    if (m_isOver || m_isBroken) return 0;
     std::size_t inputLeft = input.size();
     std::size_t roomLeft = room;
     const auto* nextInput = reinterpret_cast<const std::uint8_t*>(input.data());

@@ -39,7 +39,7 @@ ContentCodings::ContentCodings(const std::string& names) {
 bool ContentCodings::Decode(std::size_t left, std::string_view bytes, const Sink& sink) {
     if (left == 0) return sink(bytes);
     const auto& decoder = m_decoders[left - 1];
-    if (!decoder) m_problem = "the reply is compressed in a way that nobody asked for";
+    if (!decoder) m_problem = kUnaskedCoding;
     if (!m_problem.empty()) return false;
     char piece[kPieceBytes];
     while (const std::size_t count = decoder->Decode(bytes, piece, sizeof piece))

@@ -11,6 +11,8 @@
 namespace platform {
 
 inline constexpr const char* kBrokenCoding = "the reply's compression is broken";
+inline constexpr const char* kUnaskedCoding =
+    "the reply is compressed in a way that nobody asked for";
 inline constexpr const char* kCutCoding = "incomplete: the reply's compressed data is cut off";
 
 // One coding.

@@ -47,6 +47,10 @@ public:
     // Of the head.
     int Status() const { return m_status; }
     std::string Field(const char* pszName) const { return ReplyField(m_channel.Easy(), pszName); }
+    // All fields of the name, as one list.
+    std::string Fields(const char* pszName) const {
+        return JoinedReplyField(m_channel.Easy(), pszName);
+    }
     std::optional<curl_off_t> ContentLength() const;
     // The value of the challenge of a 401 or 407 that a name and a password can answer; empty when
     // there is none.

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
+#include <vector>
+
+#include <platform/String.h>
 
 #include "internet/AuthenticationRealm.h"
 #include "internet/CurlUrl.h"
+#include "internet/FieldList.h"
 #include "internet/TransferLimits.h"
 
 namespace platform {
@@ -68,7 +73,19 @@ std::optional<InternetFailure> InternetRequest::Open(PageUrl url) {
                                    "more than " + std::to_string(kMaxRedirects) + " redirects"};
         if (auto failure = Follow(reference)) return failure;
     }
-    m_decoder = ContentDecoder::For(m_exchange->Field("Content-Encoding"));
+    return TakeCoding();
+}
+
+// One that is not known leaves the bytes as they are; none can be undone of several.
+std::optional<InternetFailure> InternetRequest::TakeCoding() {
+    const std::string names = m_exchange->Fields("Content-Encoding");
+    std::vector<std::string_view> codings = ListMembers(names);
+    std::erase_if(codings, [](std::string_view name) {
+        return name.empty() || CString(name).CompareNoCase("identity") == 0;
+    });
+    if (codings.size() > 1)
+        return InternetFailure{ERROR_HTTP_INVALID_SERVER_RESPONSE, kUnaskedCoding};
+    m_decoder = codings.empty() ? nullptr : ContentDecoder::For(std::string(codings.front()));
     return std::nullopt;
 }
 

@@ -67,6 +67,7 @@ private:
     std::optional<InternetFailure> WaitForHead();
     std::string RedirectTarget() const;
     std::optional<InternetFailure> Follow(const std::string& reference);
+    std::optional<InternetFailure> TakeCoding();
     void DropBody();
     std::size_t Take(void* pBuffer, std::size_t room);
     std::optional<InternetFailure> WhyOver(const Patience& patience) const;
@@ -83,7 +84,7 @@ private:
     std::string m_ownSpace;
     std::optional<UserCredentials> m_ownCredentials; // the URL's own, for m_ownSpace
     std::optional<HttpExchange> m_exchange;          // uses the channel
-    std::unique_ptr<ContentDecoder> m_decoder;
+    std::unique_ptr<ContentDecoder> m_decoder;       // null: the bytes are as they came
 };
 
 } // namespace platform

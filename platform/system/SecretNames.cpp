@@ -23,12 +23,12 @@ struct WordList {
 
 constexpr WordList kWordLists[] = {
     {Role::part, "passw passphr kennwor kennwoer pwd pswd secret geheim credential"},
-    {Role::part, "token session sessid auth bearer signature saml csrf xsrf"},
+    {Role::part, "token session sessid auth bearer signatur saml csrf xsrf"},
     {Role::part, "apikey accesskey privatekey privkey signingkey encryptionkey masterkey"},
-    {Role::part, "pushtan smstan chiptan phototan tannummer pincode loginpin"},
+    {Role::part, "pushtan smstan chiptan phototan tannummer pincode loginpin smscode"},
     {Role::part, "onetime einmalcode securitycode sicherheitscode verificationcode zugangscode"},
-    {Role::part, "freischaltcode aktivierungscode pruefziffer"},
-    {Role::part, "kontonummer kontonr kartennummer accountnumber cardnumber creditcard"},
+    {Role::part, "freischaltcode aktivierungscode pruefziffer losungswor kreditkart"},
+    {Role::part, "kontonummer kontonr ktonr kartennummer accountnumber cardnumber creditcard"},
     {Role::word, "pin tan sid pw psw pass pword psk otp totp cvv cvc cvn puk jwt sig cookie"},
     {Role::word, "iban bban pan ticket assertion creds"},
     {Role::before,

@@ -48,7 +48,8 @@ HiddenTyping::HiddenTyping() {
 
 HiddenTyping::~HiddenTyping() {
     if (m_isSet) ::tcsetattr(STDIN_FILENO, TCSADRAIN, &m_before);
-    if (m_isInterrupted) ::kill(::getpid(), SIGINT);
+    // As the terminal does it: the shell whose loop this runs in is to know, too.
+    if (m_isInterrupted) ::kill(0, SIGINT);
 }
 
 bool HiddenTyping::TakeInterrupt(const std::string& line) {

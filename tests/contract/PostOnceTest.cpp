@@ -45,6 +45,12 @@ const Way kWays[] = {
      ZRHB_READ_FAILED, 1},
     {"form", false, "/form", Kept(Form("/post")), ZRHB_READ_FAILED, 1},
     {"frame", false, "/frame", Kept("<iframe src=/form></iframe>"), ZRHB_OK, 1},
+    {"images", false, "/images",
+     Kept("<script>const next = () => { const image = new Image();"
+          "image.onload = image.onerror = next; image.src = '/image?' + Math.random() };"
+          "for (let i = 0; i < 4; i++) next(); setTimeout(() => document.forms[0].submit(), 100)"
+          "</script><form method=post action=/post><input name=a value=1></form>"),
+     ZRHB_READ_FAILED, 0},
     {"script", false, "/script",
      Kept("<script>var x = new XMLHttpRequest(); x.open('POST', '/post', false);"
           "try { x.send('a=1') } catch (failure) {}</script>"),
@@ -77,6 +83,7 @@ TEST_P(PostOnceBy, EachWay) {
     const Way& way = GetParam();
     m_server.Set("/page", Kept("a page"));
     m_server.Set("/answered", Kept("accepted"));
+    m_server.Set("/image", Kept("no image"));
     m_server.Set("/form", Kept(Form("/post")));
     if (!way.reply.empty()) m_server.Set(way.page, way.reply);
     const std::string name = "POST " + std::string(way.isByClient ? way.page : "/post") + " ";

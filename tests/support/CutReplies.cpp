@@ -78,6 +78,7 @@ const std::vector<CutReply>& CutReplies() {
         {"empty gzip", http, Coded("gzip", ""), kWhole, ""},
         {"bare deflate", http, Coded("Deflate", kDeflated), kWhole, kPage},
         {"brotli", http, Coded("br", kBrotli), kWhole, kPage},
+        {"padded brotli", http, Coded("br", kBrotli + std::string(4, '\0')), kWhole, kPage},
         {"cut gzip", http, Coded("gzip", kGzip, 1), kCutCoding, kPage},
         {"cut gzip head", http, Coded("gzip", kGzip, 28), kCutCoding},
         {"cut deflate", http, Coded("deflate", kDeflated, 3), kCutCoding, "<p>whole pa"},

@@ -159,7 +159,7 @@ bool RawServer::Answer(RawConnection& connection, bool isKept) {
 
 RawServer::Reply RawServer::ReplyFor(const std::string& request) {
     const std::size_t begin = request.find(' ') + 1;
-    const std::string path = request.substr(begin, request.find(' ', begin) - begin);
+    const std::string path = request.substr(begin, request.find_first_of(" ?", begin) - begin);
     const std::lock_guard lock(m_mutex);
     m_requests.push_back(request.substr(0, request.find("\r\n\r\n") + 4));
     return m_replies[path];

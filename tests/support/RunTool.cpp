@@ -139,6 +139,8 @@ ToolOnTerminal::ToolOnTerminal(const std::vector<std::string>& arguments,
     const auto envp = Pointers(environment);
     m_process = Checked(forkpty(&m_terminal, nullptr, nullptr, nullptr), "forkpty");
     if (m_process == 0) {
+        signal(SIGINT, SIG_DFL); // ignored where the tests run in the background
+        signal(SIGQUIT, SIG_DFL);
         execve(program.c_str(), argv.data(), envp.data());
         _exit(127);
     }

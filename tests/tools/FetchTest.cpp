@@ -170,6 +170,17 @@ TEST_F(Fetch, OneCtrlCEndsAShellsLoop) {
     EXPECT_EQ(run.exitStatus, 128 + SIGINT);
     EXPECT_THAT(run.output, Not(HasSubstr("over")));
     EXPECT_EQ(server.Requests("/").size(), 1u);
+
+    Answer refusal = Html("");
+    refusal.status = 401;
+    refusal.headers = {{"WWW-Authenticate", "Basic realm=\"x\""}};
+    server.Set("/inside", refusal);
+    const std::string download = "$ZRHTTP download " + server.Url("/inside") + " $ZRHTTP_HOME/x";
+    ToolOnTerminal asked({"-c", "for i in 1 2 3; do " + download + "; done; echo over"},
+                         "/bin/bash");
+    asked.TypeAfter("Name:", "me\r");
+    asked.TypeAfter("Password:", "\x03");
+    EXPECT_THAT(asked.Wait().output, Not(HasSubstr("over")));
 }
 
 TEST_F(Fetch, ControlCharactersDoNotReachATerminal) {

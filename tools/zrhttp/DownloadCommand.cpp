@@ -28,7 +28,8 @@ void PrintJson(const DownloadOptions& options, const DownloadResult& result) {
                                 {"length", result.length},
                                 {"elapsed_ms", result.elapsed.count()}};
     if (result.httpStatus) json["http_status"] = *result.httpStatus;
-    WriteOutput(json.dump(-1, ' ', true) + "\n");
+    // A file's name may be any bytes.
+    WriteOutput(json.dump(-1, ' ', true, nlohmann::json::error_handler_t::replace) + "\n");
 }
 
 // A line a reason, as the client shows them to its user.

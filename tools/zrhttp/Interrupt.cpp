@@ -17,7 +17,7 @@ void Request(int signalNumber) {
 
 void Install(int signalNumber, struct sigaction& previous) {
     sigaction(signalNumber, nullptr, &previous);
-    if (signalNumber == SIGHUP && previous.sa_handler == SIG_IGN) return; // nohup
+    if (previous.sa_handler == SIG_IGN) return; // nohup, or the background of a script
     struct sigaction action {};
     action.sa_handler = Request;
     // SA_RESETHAND: the second signal finds the default action and ends a process that hangs.

@@ -183,8 +183,12 @@ void SignalAtEnd(const PipeEnds& pipe, pid_t group, int signal) {
 std::optional<pid_t> ReadGroup(PipeEnds& report) {
     report.write.Close();
     std::string line;
-    for (char letter = 0; letter != '\n' && read(report.read.Get(), &letter, 1) == 1;)
+    for (char letter = 0; letter != '\n';) {
+        const ssize_t count = read(report.read.Get(), &letter, 1);
+        if (count < 0 && errno == EINTR) continue; // the end of the shell, for one
+        if (count != 1) break;
         line += letter;
+    }
     const pid_t group = std::atoi(line.c_str());
     return group > 1 ? std::optional(group) : std::nullopt;
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "browser/common/PageUrl.h"
 #include "internet/CurlUrl.h"
 
 namespace platform {
@@ -64,6 +65,7 @@ std::string NetErrorText(const std::string& error, const std::string& url) {
         const auto parsed = CurlUrl::Parse(url);
         return "host name not found" + (parsed ? ": " + parsed->Host() : std::string());
     }
+    if (name == "ACCESS_DENIED" && !IsHttpUrl(url)) return "the file cannot be read";
     const auto found = std::find_if(kTexts.begin(), kTexts.end(),
                                     [&](const Entry& entry) { return entry.error == name; });
     return found == kTexts.end() ? "the browser reports " + error : found->text;

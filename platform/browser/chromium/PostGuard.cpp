@@ -46,9 +46,16 @@ int PostGuard::Send(const std::string& session, const char* pszMethod, Json para
 void PostGuard::Watch(const std::string& context) {
     const std::lock_guard lock(m_mutex);
     m_closer.SetContext(context);
+    HoldUp(Requests::ofSomeTypes);
+}
+
+void PostGuard::HoldUp(Requests requests) {
+    if (std::exchange(m_heldUp, requests) == requests) return;
     Json patterns = Json::array();
+    if (requests == Requests::all) patterns.push_back({{"requestStage", "Request"}});
     for (const char* pszType : kTypes)
-        patterns.push_back({{"resourceType", pszType}, {"requestStage", "Request"}});
+        if (requests == Requests::ofSomeTypes)
+            patterns.push_back({{"resourceType", pszType}, {"requestStage", "Request"}});
     Send({}, "Fetch.enable", {{"patterns", std::move(patterns)}});
 }
 
@@ -97,6 +104,8 @@ void PostGuard::OnPaused(const Json& params) {
               std::chrono::steady_clock::now() + kQuietPatience};
     const std::string frame = TextOf(params, "frameId");
     if (post.isNavigation && m_activity.IsPage(frame)) post.page = frame;
+    // What begins from now on would leave connections behind.
+    if (m_ability != Ability::maybeTwice) HoldUp(Requests::all);
     m_posts.push_back(std::move(post));
     Prepare();
 }
@@ -165,6 +174,7 @@ void PostGuard::Refuse(const std::string& request, const char* pszReason) {
 }
 
 void PostGuard::ContinueHeld() {
+    HoldUp(Requests::ofSomeTypes);
     for (const std::string& request : std::exchange(m_held, {}))
         Continue(request);
     m_paused.clear();

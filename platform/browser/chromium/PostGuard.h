@@ -18,8 +18,9 @@ namespace platform {
 // A browser sends a request a second time when its connection was open before (kept, or opened
 // ahead) and breaks before a reply, whatever the request is. So each request that is not safe
 // (RFC 9110, section 9.2.1), whoever makes it, is held up until such connections are closed; it
-// then gets a new one, on which nothing is repeated. Requests that could leave a connection behind
-// in between (the browser's own for a page's icon) wait meanwhile; all others pass at once.
+// then gets a new one, on which nothing is repeated. All other requests, which could leave a
+// connection behind in between, wait meanwhile. While there is none that is not safe they pass,
+// most of them without being held up at all.
 class PostGuard final : public PipeFilter {
 public:
     using Write = std::function<void(std::string message)>;
@@ -52,7 +53,10 @@ private:
         Time patience; // for what else is under way
     };
 
+    enum class Requests { none, ofSomeTypes, all };
+
     int Send(const std::string& session, const char* pszMethod, Json params);
+    void HoldUp(Requests requests);
     void OnPaused(const Json& params);
     void Prepare();
     bool IsQuietFor(const Post& post) const;
@@ -72,6 +76,7 @@ private:
     int m_lastCall;
     NetworkActivity m_activity;
     ConnectionCloser m_closer;
+    Requests m_heldUp = Requests::none;
     std::deque<Post> m_posts; // the first one's turn it is while m_isClosing
     std::vector<std::string> m_held;
     std::set<std::string> m_paused; // what the requests that wait here are called
