@@ -17,6 +17,8 @@ using namespace std::chrono_literals;
 
 // Numbers of calls that are the guard's, far from its owner's.
 constexpr int kFirstCall = 1 << 30;
+// For what a page that is left has under way: it may be on its way to a connection still.
+constexpr auto kLeavePatience = 250ms;
 // For other requests of the page, which a frame's post data would otherwise end.
 constexpr auto kQuietPatience = 1s;
 
@@ -101,7 +103,7 @@ void PostGuard::OnPaused(const Json& params) {
               network,
               {},
               TextOf(params, "resourceType") == "Document",
-              std::chrono::steady_clock::now() + kQuietPatience};
+              std::chrono::steady_clock::now()};
     const std::string frame = TextOf(params, "frameId");
     if (post.isNavigation && m_activity.IsPage(frame)) post.page = frame;
     // What begins from now on would leave connections behind.
@@ -110,17 +112,18 @@ void PostGuard::OnPaused(const Json& params) {
     Prepare();
 }
 
-// A page that is left ends what it has under way anyhow.
-bool PostGuard::IsQuietFor(const Post& post) const {
-    return m_activity.IsQuietBeside(post.page, m_paused);
-}
-
-// Closing all ends requests that wait for a connection or share one. A navigation waits a while for
-// them; a script does not.
+// Closing all ends requests that wait for a connection or share one; a page that is left ends what
+// it has under way anyhow. A navigation waits a while for them; a script does not. What began just
+// ahead of it is not known at once, so that the first answer is never the last one.
 std::optional<ConnectionCloser::Which> PostGuard::WhatToClose(const Post& post) const {
-    if (IsQuietFor(post)) return ConnectionCloser::Which::all;
-    const bool isWaiting = post.isNavigation && std::chrono::steady_clock::now() < post.patience;
-    return isWaiting ? std::nullopt : std::optional(ConnectionCloser::Which::idle);
+    using Which = ConnectionCloser::Which;
+    if (!post.isSettled) return Which::idle;
+    const auto waited = std::chrono::steady_clock::now() - post.begin;
+    const bool isQuiet = m_activity.IsQuietBeside(post.page, m_paused);
+    if (isQuiet && m_activity.IsQuietBeside({}, m_paused)) return Which::all;
+    if (post.isNavigation && waited < (isQuiet ? kLeavePatience : kQuietPatience))
+        return std::nullopt;
+    return isQuiet ? Which::all : Which::idle;
 }
 
 // The first request that may go on.
@@ -146,6 +149,10 @@ void PostGuard::OnClosed(ConnectionCloser::Outcome outcome) {
         m_ability =
             outcome == ConnectionCloser::Outcome::closed ? Ability::once : Ability::maybeTwice;
     if (m_posts.empty()) return;
+    if (outcome == ConnectionCloser::Outcome::closed && !m_posts.front().isSettled) {
+        m_posts.front().isSettled = true;
+        return Prepare();
+    }
     const Post post = std::move(m_posts.front());
     m_posts.pop_front();
     m_paused.erase(post.network);
@@ -180,12 +187,17 @@ void PostGuard::ContinueHeld() {
     m_paused.clear();
 }
 
+PipeFilter::Time PostGuard::NextTimeOf(const Post& post) {
+    const Time leave = post.begin + kLeavePatience;
+    return std::chrono::steady_clock::now() < leave ? leave : post.begin + kQuietPatience;
+}
+
 PipeFilter::Time PostGuard::NextTime() const {
     const std::lock_guard lock(m_mutex);
     if (m_isClosing) return m_closer.Deadline();
     Time next = Time::max();
     for (const Post& post : m_posts)
-        next = std::min(next, post.patience);
+        next = std::min(next, NextTimeOf(post));
     return next;
 }
 

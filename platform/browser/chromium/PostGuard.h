@@ -50,7 +50,8 @@ private:
         std::string network; // what the request is called
         std::string page;    // the page that it replaces, if it does
         bool isNavigation = false;
-        Time patience; // for what else is under way
+        Time begin;
+        bool isSettled = false; // connections were closed once
     };
 
     enum class Requests { none, ofSomeTypes, all };
@@ -59,7 +60,7 @@ private:
     void HoldUp(Requests requests);
     void OnPaused(const Json& params);
     void Prepare();
-    bool IsQuietFor(const Post& post) const;
+    static Time NextTimeOf(const Post& post);
     std::optional<ConnectionCloser::Which> WhatToClose(const Post& post) const;
     void Close(ConnectionCloser::Which which);
     void OnClosed(ConnectionCloser::Outcome outcome);
