@@ -85,6 +85,8 @@ bool PostGuard::Take(const Json& message) {
         OnPaused(ObjectOf(message, "params"));
         return true;
     }
+    if (TextOf(message, "method") == "Fetch.requestPaused")
+        m_ofOwner = TextOf(ObjectOf(message, "params"), "networkId");
     m_activity.Note(message);
     Prepare();
     return false;
@@ -106,6 +108,8 @@ void PostGuard::OnPaused(const Json& params) {
               std::chrono::steady_clock::now()};
     const std::string frame = TextOf(params, "frameId");
     if (post.isNavigation && m_activity.IsPage(frame)) post.page = frame;
+    // The client's: its page was stopped before, and what that had begun is known by now.
+    post.isSettled = network == m_ofOwner && m_activity.IsQuietBeside({}, m_paused);
     // What begins from now on would leave connections behind.
     if (m_ability != Ability::maybeTwice) HoldUp(Requests::all);
     m_posts.push_back(std::move(post));

@@ -51,7 +51,7 @@ private:
         std::string page;    // the page that it replaces, if it does
         bool isNavigation = false;
         Time begin;
-        bool isSettled = false; // connections were closed once
+        bool isSettled = false; // connections were closed once, or nobody has used any of late
     };
 
     enum class Requests { none, ofSomeTypes, all };
@@ -81,6 +81,7 @@ private:
     std::deque<Post> m_posts; // the first one's turn it is while m_isClosing
     std::vector<std::string> m_held;
     std::set<std::string> m_paused; // what the requests that wait here are called
+    std::string m_ofOwner;          // the request that was held up last at its page's session
     bool m_isClosing = false;
 };
 
